@@ -1,0 +1,172 @@
+#include "RestoreNotifier.hpp"
+
+#include "ZpoShared.h"
+
+#include "RegistryStore.hpp"
+
+#include <atomic>
+#include <cerrno>
+#include <cstdint>
+#include <cstring>
+#include <dirent.h>
+#include <memory>
+#include <mutex>
+#include <pthread.h>
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <thread>
+#include <unistd.h>
+#include <vector>
+
+namespace zpo {
+namespace {
+
+struct Registration {
+  std::string name;
+  ZpoBackupRestoreCallback callback;
+  unsigned long eventMask;
+};
+
+// The socket of this process and the callbacks its thread calls.
+struct Listener {
+  int fd = -1;
+  std::string socketPath;
+  std::atomic<bool> stopping{false};
+  std::mutex lock;
+  std::vector<Registration> registrations;
+};
+
+std::mutex gListenerLock;
+std::shared_ptr<Listener> gListener;
+
+bool socketAddress(const std::string& path, sockaddr_un* address) {
+  std::memset(address, 0, sizeof *address);
+  address->sun_family = AF_UNIX;
+  if (path.size() >= sizeof address->sun_path) return false;
+  std::memcpy(address->sun_path, path.c_str(), path.size() + 1);
+  return true;
+}
+
+void listen(std::shared_ptr<Listener> listener) {
+  for (;;) {
+    uint64_t event = 0;
+    const ssize_t received = ::recv(listener->fd, &event, sizeof event, 0);
+    if (listener->stopping) break;
+    if (received != static_cast<ssize_t>(sizeof event)) {
+      if (received < 0 && errno != EINTR) break;
+      continue;
+    }
+    std::vector<Registration> wanted;
+    {
+      std::lock_guard<std::mutex> hold(listener->lock);
+      for (const Registration& registration : listener->registrations) {
+        if ((registration.eventMask & event) != 0) wanted.push_back(registration);
+      }
+    }
+    for (const Registration& registration : wanted) registration.callback(static_cast<unsigned long>(event));
+  }
+  ::close(listener->fd);
+}
+
+std::shared_ptr<Listener> startListener(std::string* error) {
+  const std::string root = currentStateRoot();
+  if (root.empty()) {
+    *error = "no state directory";
+    return nullptr;
+  }
+  auto listener = std::make_shared<Listener>();
+  listener->socketPath = root + "/notify/" + std::to_string(getpid()) + ".sock";
+  sockaddr_un address;
+  if (!socketAddress(listener->socketPath, &address)) {
+    *error = "socket path too long";
+    return nullptr;
+  }
+  listener->fd = ::socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0);
+  if (listener->fd < 0) return nullptr;
+  ::unlink(listener->socketPath.c_str());  // left by an earlier process with this pid
+  if (::bind(listener->fd, reinterpret_cast<sockaddr*>(&address), sizeof address) != 0) {
+    ::close(listener->fd);
+    return nullptr;
+  }
+  std::thread(listen, listener).detach();
+  return listener;
+}
+
+// A child of fork has no listening thread: it forgets the parent's listener
+// without touching the socket, which still belongs to the parent.
+void lockListenerBeforeFork() { gListenerLock.lock(); }
+void unlockListenerInParent() { gListenerLock.unlock(); }
+void forgetListenerInChild() {
+  if (gListener) {
+    ::close(gListener->fd);
+    gListener.reset();
+  }
+  gListenerLock.unlock();
+}
+
+const int gForkHandlers = pthread_atfork(lockListenerBeforeFork, unlockListenerInParent, forgetListenerInChild);
+
+}  // namespace
+
+int notifyRegisteredProcesses(const std::string& canonicalRoot, unsigned long event) {
+  const std::string folder = canonicalRoot + "/notify";
+  DIR* directory = opendir(folder.c_str());
+  if (directory == nullptr) return 0;
+  std::vector<std::string> sockets;
+  while (dirent* item = readdir(directory)) {
+    const std::string name = item->d_name;
+    if (name.size() > 5 && name.compare(name.size() - 5, 5, ".sock") == 0) sockets.push_back(folder + "/" + name);
+  }
+  closedir(directory);
+  const int fd = ::socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0);
+  if (fd < 0) return 0;
+  const uint64_t message = event;
+  int told = 0;
+  for (const std::string& path : sockets) {
+    sockaddr_un address;
+    if (!socketAddress(path, &address)) continue;
+    if (::sendto(fd, &message, sizeof message, MSG_DONTWAIT, reinterpret_cast<sockaddr*>(&address),
+                 sizeof address) == static_cast<ssize_t>(sizeof message)) {
+      ++told;
+    } else if (errno == ECONNREFUSED || errno == ENOENT) {
+      ::unlink(path.c_str());  // nobody listens there any more
+    }
+  }
+  ::close(fd);
+  return told;
+}
+
+void forgetRestoreCallbacks() {
+  (void)gForkHandlers;
+  std::lock_guard<std::mutex> hold(gListenerLock);
+  if (!gListener) return;
+  gListener->stopping = true;
+  ::unlink(gListener->socketPath.c_str());
+  ::shutdown(gListener->fd, SHUT_RDWR);  // wakes the thread, which closes the socket
+  gListener.reset();
+}
+
+}  // namespace zpo
+
+extern "C" ZpoStatus ZpoNotifyRegBackupAndRestore(const char* name, ZpoBackupRestoreCallback callback,
+                                                  unsigned long value) {
+  if (name == nullptr || name[0] == '\0' || callback == nullptr) return ZPO_ERR_INVALID_ARGUMENT;
+  std::lock_guard<std::mutex> hold(zpo::gListenerLock);
+  if (!zpo::gListener) {
+    std::string error;
+    zpo::gListener = zpo::startListener(&error);
+    if (!zpo::gListener) return ZPO_ERR_IO;
+  }
+  std::lock_guard<std::mutex> holdRegistrations(zpo::gListener->lock);
+  auto& registrations = zpo::gListener->registrations;
+  // A name registers once: registering it again replaces its callback and mask.
+  for (auto& registration : registrations) {
+    if (registration.name == name) {
+      registration.callback = callback;
+      registration.eventMask = value;
+      return ZPO_OK;
+    }
+  }
+  registrations.push_back(zpo::Registration{name, callback, value});
+  return ZPO_OK;
+}
