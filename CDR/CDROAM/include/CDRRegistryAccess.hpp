@@ -71,4 +71,19 @@ bool cdrCheckText(char* field, const char* entryName, const char* defaultText);
 // Reads the 1-byte "TransferType" entry of the push section.
 uint32_t cdrReadTransferType(unsigned char& type);
 
+// Appends the "Applicable" qualifier with `applicable`; returns 1 when
+// applicable, 0 when not (the result a setQulifier hands back).
+int cdrAppendApplicable(OW_NAMESPACE::Array<OW_NAMESPACE::CIMQualifier>& qualifiers, bool applicable);
+
+// Reads a text entry written by the transfer side, as the statistics show
+// it: cdrReadText into `field`, then
+//  - entry missing: `value` = `missingValue`, returns 0, nothing written;
+//  - other failure: logs "<operation> error = <status>" at level 4,
+//    `value` = `missingValue`, returns 100;
+//  - read: cdrCheckText against `entryName` (empty default), `value` = the
+//    field, returns 0.
+int cdrReadStatisticsText(const char* section, const char* key, const char* operation,
+                          const char* entryName, char* field, const std::string& missingValue,
+                          std::string& value);
+
 #endif

@@ -91,3 +91,26 @@ bool cdrCheckText(char* field, const char* entryName, const char* defaultText) {
 uint32_t cdrReadTransferType(unsigned char& type) {
   return ZpoGetRegEntryBinary(CDR_REG_COMPONENT, CDR_REG_SECTION_PUSH, "TransferType", &type, 1);
 }
+
+int cdrAppendApplicable(Array<CIMQualifier>& qualifiers, bool applicable) {
+  qualifiers.push_back(cdrApplicableQualifier(applicable));
+  return applicable ? 1 : 0;
+}
+
+int cdrReadStatisticsText(const char* section, const char* key, const char* operation,
+                          const char* entryName, char* field, const std::string& missingValue,
+                          std::string& value) {
+  uint32_t status = cdrReadText(section, key, field);
+  if (status == CDR_REG_ENTRY_ABSENT) {
+    value = missingValue;
+    return CDR_STATUS_OK;
+  }
+  if (status != 0) {
+    writeError(operation, status);
+    value = missingValue;
+    return CDR_STATUS_READ_FAILED;
+  }
+  cdrCheckText(field, entryName, "");
+  value = field;
+  return CDR_STATUS_OK;
+}
