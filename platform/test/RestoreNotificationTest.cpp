@@ -1,0 +1,116 @@
+#include "ZpoShared.h"
+#include "ZpoTestRoot.hpp"
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <chrono>
+#include <cstdlib>
+#include <filesystem>
+#include <poll.h>
+#include <string>
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <sys/wait.h>
+#include <thread>
+#include <unistd.h>
+
+namespace {
+
+std::atomic<unsigned long> gRestoreEvent{0};
+std::atomic<int> gOtherEventCalls{0};
+int gReportFd = -1;
+
+void recordRestore(unsigned long event) { gRestoreEvent = event; }
+void recordOther(unsigned long) { ++gOtherEventCalls; }
+void reportToParent(unsigned long event) {
+  const char byte = static_cast<char>(event);
+  (void)!write(gReportFd, &byte, 1);
+}
+
+class RestoreNotification : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    gRestoreEvent = 0;
+    gOtherEventCalls = 0;
+    ASSERT_EQ(ZPO_OK, ZpoSetRegEntryInt("CDR", "CDRPush", "TransferType", 1));
+    ASSERT_EQ(0, zpo("reg backup " + backupFile()));
+  }
+  std::string backupFile() const { return root.path() + "/backup.db"; }
+  int zpo(const std::string& arguments) const {
+    return std::system(("ZPO_ROOT='" + root.path() + "' '" + root.zpoCommand() + "' " + arguments).c_str());
+  }
+  bool waitFor(const std::atomic<unsigned long>& value) const {
+    for (int i = 0; i < 200 && value == 0; ++i) std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    return value != 0;
+  }
+  zpotest::TempZpoRoot root;
+};
+
+TEST_F(RestoreNotification, RestoreReplacesEveryEntry) {
+  ASSERT_EQ(ZPO_OK, ZpoSetRegEntryInt("CDR", "CDRPush", "TransferType", 4));
+  ASSERT_EQ(ZPO_OK, ZpoSetRegEntryString("CDR", "CDRPush", "IpAddr", "10.1.1.1"));
+  ASSERT_EQ(0, zpo("reg restore " + backupFile()));
+  uint32_t type = 0;
+  EXPECT_EQ(ZPO_OK, ZpoGetRegEntryInt("CDR", "CDRPush", "TransferType", &type));
+  EXPECT_EQ(1u, type);
+  EXPECT_FALSE(root.hasEntry("CDR", "CDRPush", "IpAddr"));
+}
+
+TEST_F(RestoreNotification, CallbacksOfTheRestoreMaskRunWithTheEvent) {
+  ASSERT_EQ(ZPO_OK, ZpoNotifyRegBackupAndRestore("CDROAMProvider", recordRestore, ZPO_EVENT_RESTORE));
+  ASSERT_EQ(ZPO_OK, ZpoNotifyRegBackupAndRestore("Other", recordOther, 1));
+  ASSERT_EQ(0, zpo("reg restore " + backupFile()));
+  ASSERT_TRUE(waitFor(gRestoreEvent));
+  EXPECT_EQ(static_cast<unsigned long>(ZPO_EVENT_RESTORE), gRestoreEvent.load());
+  EXPECT_EQ(0, gOtherEventCalls.load());
+}
+
+TEST_F(RestoreNotification, ResetWithdrawsTheRegistrations) {
+  ASSERT_EQ(ZPO_OK, ZpoNotifyRegBackupAndRestore("CDROAMProvider", recordRestore, ZPO_EVENT_RESTORE));
+  ZpoDevReset();
+  ASSERT_EQ(0, zpo("reg restore " + backupFile()));
+  std::this_thread::sleep_for(std::chrono::milliseconds(200));
+  EXPECT_EQ(0ul, gRestoreEvent.load());
+}
+
+TEST_F(RestoreNotification, RestoreReachesACallbackInAnotherProcess) {
+  int ready[2], report[2];
+  ASSERT_EQ(0, pipe(ready));
+  ASSERT_EQ(0, pipe(report));
+  const pid_t child = fork();
+  ASSERT_GE(child, 0);
+  if (child == 0) {
+    gReportFd = report[1];
+    const char registered = ZpoNotifyRegBackupAndRestore("CDROAMProvider", reportToParent, 2) == ZPO_OK ? 'y' : 'n';
+    (void)!write(ready[1], &registered, 1);
+    sleep(10);
+    _exit(0);
+  }
+  char registered = 0;
+  ASSERT_EQ(1, read(ready[0], &registered, 1));
+  ASSERT_EQ('y', registered);
+  ASSERT_EQ(0, zpo("reg restore " + backupFile()));
+  pollfd wait = {report[0], POLLIN, 0};
+  const int answered = poll(&wait, 1, 3000);
+  char event = 0;
+  const bool eventRead = answered == 1 && read(report[0], &event, 1) == 1;
+  kill(child, SIGKILL);
+  waitpid(child, nullptr, 0);
+  ASSERT_TRUE(eventRead) << "no callback ran in the other process";
+  EXPECT_EQ(ZPO_EVENT_RESTORE, event);
+}
+
+TEST_F(RestoreNotification, SocketOfADeadProcessIsRemoved) {
+  const std::string stale = root.path() + "/notify/999999.sock";
+  const int fd = socket(AF_UNIX, SOCK_DGRAM, 0);
+  sockaddr_un address = {};
+  address.sun_family = AF_UNIX;
+  std::snprintf(address.sun_path, sizeof address.sun_path, "%s", stale.c_str());
+  ASSERT_EQ(0, bind(fd, reinterpret_cast<sockaddr*>(&address), sizeof address));
+  close(fd);  // the file stays, nobody listens
+  ASSERT_EQ(0, zpo("reg restore " + backupFile()));
+  EXPECT_FALSE(std::filesystem::exists(stale));
+}
+
+}  // namespace
