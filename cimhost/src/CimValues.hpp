@@ -1,0 +1,53 @@
+// Conversions between the text of CIM-XML and the provider API's CIM
+// objects. Values are typed by the request's TYPE or, where it has none, by
+// the class definition.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include <OW_CIMClass.hpp>
+#include <OW_CIMDataType.hpp>
+#include <OW_CIMInstance.hpp>
+#include <OW_CIMObjectPath.hpp>
+#include <OW_CIMQualifier.hpp>
+#include <OW_CIMValue.hpp>
+
+#include "ClassDefinition.hpp"
+#include "CimXmlRequest.hpp"
+
+namespace cimhost {
+
+namespace OW = OpenWBEM;
+
+// "uint8" ... "datetime", "reference"; "string" for embedded objects.
+std::string cimTypeName(OW::CIMDataType::Type type);
+
+// The value of `text` as CIM type `type` ("uint32", "reference" is not
+// accepted here). Throws CIMException TYPE_MISMATCH when a text does not
+// parse as that type, INVALID_PARAMETER for an unknown type name.
+OW::CIMValue valueFromText(const std::string& type, const TextValue& text);
+
+// Element texts of a non-null, non-reference value: one for a scalar.
+std::vector<std::string> valueTexts(const OW::CIMValue& value);
+
+// An object path from an INSTANCENAME: names as the client spelled them,
+// key values typed by TYPE, else the class's key property, else VALUETYPE.
+OW::CIMObjectPath objectPathFromText(const InstanceNameText& name, const std::string& nameSpace,
+                                     const ClassDefinition* cls);
+
+// An instance from an INSTANCE: properties in request order and spelling,
+// typed by TYPE or the class; the class's key properties carry Key.
+OW::CIMInstance instanceFromText(const InstanceText& text, const std::string& nameSpace,
+                                 const ClassDefinition* cls);
+
+// The class definition as the provider API's class, with qualifiers,
+// properties and methods.
+OW::CIMClass cimClassFromDefinition(const ClassDefinition& definition);
+
+// The path of an instance the provider returned: its key list, or failing
+// that the class's key properties taken from the instance.
+OW::CIMObjectPath pathOfInstance(const OW::CIMInstance& instance, const std::string& nameSpace,
+                                 const ClassDefinition* cls);
+
+}  // namespace cimhost

@@ -1,0 +1,211 @@
+#include "CimXmlResponse.hpp"
+
+#include <OW_CIMDataType.hpp>
+#include <OW_CIMProperty.hpp>
+#include <OW_CIMQualifier.hpp>
+#include <OW_CIMQualifierType.hpp>
+#include <OW_String.hpp>
+
+#include "CimValues.hpp"
+
+namespace cimhost {
+namespace {
+
+using OW::CIMDataType;
+using OW::CIMValue;
+
+std::string keyValueType(CIMDataType::Type type) {
+    if (type == CIMDataType::BOOLEAN) return "boolean";
+    if (CIMDataType::isNumericType(type)) return "numeric";
+    return "string";
+}
+
+void writeTextValue(XmlWriter& xml, const TextValue& value) {
+    if (value.isNull) return;
+    if (!value.isArray) {
+        xml.leaf("VALUE", value.elements.empty() ? "" : value.elements.front());
+        return;
+    }
+    xml.start("VALUE.ARRAY");
+    for (const std::string& item : value.elements) xml.leaf("VALUE", item);
+    xml.end("VALUE.ARRAY");
+}
+
+std::string flag(bool value) { return value ? "true" : "false"; }
+
+void writeDefinedQualifier(XmlWriter& xml, const Qualifier& q) {
+    xml.start("QUALIFIER", {{"NAME", q.name}, {"TYPE", q.type}});
+    writeTextValue(xml, q.value);
+    xml.end("QUALIFIER");
+}
+
+void writeDefinedQualifiers(XmlWriter& xml, const std::vector<Qualifier>& qualifiers, const OutputFilter& filter) {
+    if (!filter.includeQualifiers) return;
+    for (const Qualifier& q : qualifiers) writeDefinedQualifier(xml, q);
+}
+
+void writeApiQualifier(XmlWriter& xml, const OW::CIMQualifier& q) {
+    CIMValue value = q.getValue();
+    std::string type = "string";
+    if (value) {
+        type = cimTypeName(value.getType());
+    } else if (q.getDefaults() && q.getDefaults().getDataType()) {
+        type = cimTypeName(q.getDefaults().getDataType().getType());
+    }
+    xml.start("QUALIFIER", {{"NAME", q.getName().c_str()}, {"TYPE", type}});
+    if (value) writeValue(xml, value);
+    xml.end("QUALIFIER");
+}
+
+}  // namespace
+
+bool OutputFilter::shows(const std::string& propertyName) const {
+    if (!propertyList) return true;
+    for (const std::string& listed : *propertyList) {
+        if (namesEqual(listed, propertyName)) return true;
+    }
+    return false;
+}
+
+void startResponse(XmlWriter& xml, const std::string& messageId) {
+    xml.raw("<?xml version=\"1.0\" encoding=\"utf-8\" ?>\n");
+    xml.start("CIM", {{"CIMVERSION", "2.0"}, {"DTDVERSION", "2.0"}});
+    xml.start("MESSAGE", {{"ID", messageId}, {"PROTOCOLVERSION", "1.0"}});
+    xml.start("SIMPLERSP");
+}
+
+void endResponse(XmlWriter& xml) { xml.end("SIMPLERSP").end("MESSAGE").end("CIM").raw("\n"); }
+
+void writeError(XmlWriter& xml, int code, const std::string& description) {
+    xml.selfClosed("ERROR", {{"CODE", std::to_string(code)}, {"DESCRIPTION", description}});
+}
+
+void writeValue(XmlWriter& xml, const CIMValue& value) {
+    if (!value) return;
+    if (value.getType() == CIMDataType::REFERENCE && !value.isArray()) {
+        xml.start("VALUE.REFERENCE");
+        xml.start("INSTANCEPATH");
+        OW::CIMObjectPath path = value.toCIMObjectPath();
+        writeInstancePath(xml, path, "localhost", path.getNameSpace().c_str());
+        xml.end("INSTANCEPATH");
+        xml.end("VALUE.REFERENCE");
+        return;
+    }
+    std::vector<std::string> texts = valueTexts(value);
+    writeTextValue(xml, value.isArray() ? TextValue::array(texts) : TextValue::scalar(texts.front()));
+}
+
+void writeInstanceName(XmlWriter& xml, const OW::CIMObjectPath& path) {
+    xml.start("INSTANCENAME", {{"CLASSNAME", path.getClassName().c_str()}});
+    OW::CIMPropertyArray keys = path.getKeys();
+    for (const OW::CIMProperty& key : keys) {
+        xml.start("KEYBINDING", {{"NAME", key.getName().c_str()}});
+        CIMValue value = key.getValue();
+        if (value && value.getType() == CIMDataType::REFERENCE) {
+            writeValue(xml, value);
+        } else {
+            CIMDataType::Type type = value ? value.getType() : CIMDataType::STRING;
+            std::string text = value ? valueTexts(value).front() : std::string();
+            xml.leaf("KEYVALUE", text, {{"VALUETYPE", keyValueType(type)}, {"TYPE", cimTypeName(type)}});
+        }
+        xml.end("KEYBINDING");
+    }
+    xml.end("INSTANCENAME");
+}
+
+void writeInstancePath(XmlWriter& xml, const OW::CIMObjectPath& path, const std::string& host,
+                       const std::string& nameSpace) {
+    xml.start("NAMESPACEPATH");
+    xml.leaf("HOST", host);
+    xml.start("LOCALNAMESPACEPATH");
+    size_t begin = 0;
+    while (begin <= nameSpace.size()) {
+        size_t slash = nameSpace.find('/', begin);
+        std::string part = nameSpace.substr(begin, slash == std::string::npos ? std::string::npos : slash - begin);
+        if (!part.empty()) xml.selfClosed("NAMESPACE", {{"NAME", part}});
+        if (slash == std::string::npos) break;
+        begin = slash + 1;
+    }
+    xml.end("LOCALNAMESPACEPATH");
+    xml.end("NAMESPACEPATH");
+    writeInstanceName(xml, path);
+}
+
+void writeInstance(XmlWriter& xml, const OW::CIMInstance& instance, const OutputFilter& filter) {
+    xml.start("INSTANCE", {{"CLASSNAME", instance.getClassName().c_str()}});
+    OW::CIMPropertyArray properties = instance.getProperties();
+    for (const OW::CIMProperty& property : properties) {
+        std::string name = property.getName().c_str();
+        if (!filter.shows(name)) continue;
+        CIMValue value = property.getValue();
+        CIMDataType dataType = property.getDataType();
+        bool typed = static_cast<bool>(dataType);
+        CIMDataType::Type type = typed ? dataType.getType() : value ? value.getType() : CIMDataType::STRING;
+        bool isArray = typed ? dataType.isArrayType() : value ? value.isArray() : false;
+        const char* element = type == CIMDataType::REFERENCE ? "PROPERTY.REFERENCE"
+                              : isArray                      ? "PROPERTY.ARRAY"
+                                                             : "PROPERTY";
+        std::string origin = property.getOriginClass().c_str();
+        bool withOrigin = filter.includeClassOrigin && !origin.empty();
+        if (type == CIMDataType::REFERENCE) {
+            std::string referenceClass = typed ? dataType.getRefClassName().c_str() : "";
+            if (withOrigin) xml.start(element, {{"NAME", name}, {"REFERENCECLASS", referenceClass}, {"CLASSORIGIN", origin}});
+            else xml.start(element, {{"NAME", name}, {"REFERENCECLASS", referenceClass}});
+        } else if (withOrigin) {
+            xml.start(element, {{"NAME", name}, {"TYPE", cimTypeName(type)}, {"CLASSORIGIN", origin}});
+        } else {
+            xml.start(element, {{"NAME", name}, {"TYPE", cimTypeName(type)}});
+        }
+        if (filter.includeQualifiers) {
+            OW::CIMQualifierArray qualifiers = property.getQualifiers();
+            for (const OW::CIMQualifier& q : qualifiers) writeApiQualifier(xml, q);
+        }
+        writeValue(xml, value);
+        xml.end(element);
+    }
+    xml.end("INSTANCE");
+}
+
+void writeClass(XmlWriter& xml, const ClassDefinition& cls, const OutputFilter& filter) {
+    if (cls.superClass.empty()) xml.start("CLASS", {{"NAME", cls.name}});
+    else xml.start("CLASS", {{"NAME", cls.name}, {"SUPERCLASS", cls.superClass}});
+    writeDefinedQualifiers(xml, cls.qualifiers, filter);
+    for (const PropertyDefinition& p : cls.properties) {
+        if (!filter.shows(p.name)) continue;
+        if (filter.localOnly && p.classOrigin != cls.name) continue;
+        const char* element = p.type == "reference" ? "PROPERTY.REFERENCE" : p.isArray ? "PROPERTY.ARRAY" : "PROPERTY";
+        std::string typeAttribute = p.type == "reference" ? "REFERENCECLASS" : "TYPE";
+        std::string typeValue = p.type == "reference" ? p.referenceClass : p.type;
+        if (filter.includeClassOrigin) {
+            xml.start(element, {{"NAME", p.name}, {typeAttribute.c_str(), typeValue}, {"CLASSORIGIN", p.classOrigin}});
+        } else {
+            xml.start(element, {{"NAME", p.name}, {typeAttribute.c_str(), typeValue}});
+        }
+        writeDefinedQualifiers(xml, p.qualifiers, filter);
+        if (p.type != "reference") writeTextValue(xml, p.defaultValue);
+        xml.end(element);
+    }
+    for (const MethodDefinition& m : cls.methods) {
+        if (filter.localOnly && m.classOrigin != cls.name) continue;
+        if (filter.includeClassOrigin) {
+            xml.start("METHOD", {{"NAME", m.name}, {"TYPE", m.returnType}, {"CLASSORIGIN", m.classOrigin}});
+        } else {
+            xml.start("METHOD", {{"NAME", m.name}, {"TYPE", m.returnType}});
+        }
+        writeDefinedQualifiers(xml, m.qualifiers, filter);
+        for (const ParameterDefinition& p : m.parameters) {
+            const char* element = p.type == "reference" ? "PARAMETER.REFERENCE"
+                                  : p.isArray           ? "PARAMETER.ARRAY"
+                                                        : "PARAMETER";
+            if (p.type == "reference") xml.start(element, {{"NAME", p.name}, {"REFERENCECLASS", p.referenceClass}});
+            else xml.start(element, {{"NAME", p.name}, {"TYPE", p.type}});
+            // The client needs In/Out to know which parameters it may send.
+            writeDefinedQualifiers(xml, p.qualifiers, filter);
+            xml.end(element);
+        }
+        xml.end("METHOD");
+    }
+    xml.end("CLASS");
+}
+
+}  // namespace cimhost

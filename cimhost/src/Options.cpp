@@ -1,0 +1,67 @@
+#include "Options.hpp"
+
+#include <cstdlib>
+
+namespace cimhost {
+
+const char* usageText() {
+    return "usage: cimhost [options]\n"
+           "Serves a CIM provider module over CIM-XML/HTTP.\n"
+           "  --provider PATH     provider module to load (default: CDRProvider.so beside the host)\n"
+           "  --mof PATH          class definitions (default: the project's QTX_CDR.mof)\n"
+           "  --listen ADDR:PORT  address to listen on (default 127.0.0.1:5988; port 0 picks one)\n"
+           "  --namespace NS      namespace served (default root/cimv2)\n"
+           "  --auth-file FILE    require HTTP Basic credentials from FILE (user:crypt-hash lines)\n"
+           "  --insecure          allow a non-loopback address without --auth-file\n"
+           "  --log FILE          log to FILE (default: standard error)\n"
+           "  --help              this text\n"
+           "The platform state directory comes from ZPO_ROOT.\n";
+}
+
+Options parseOptions(int argc, char** argv, const std::string& defaultProvider, const std::string& defaultMof) {
+    Options options;
+    options.providerPath = defaultProvider;
+    options.mofPath = defaultMof;
+    for (int i = 1; i < argc; ++i) {
+        std::string arg = argv[i];
+        auto value = [&]() -> std::string {
+            if (i + 1 >= argc) throw UsageError(arg + " needs a value");
+            return argv[++i];
+        };
+        if (arg == "--help" || arg == "-h") {
+            options.help = true;
+        } else if (arg == "--provider") {
+            options.providerPath = value();
+        } else if (arg == "--mof") {
+            options.mofPath = value();
+        } else if (arg == "--namespace") {
+            options.nameSpace = value();
+        } else if (arg == "--auth-file") {
+            options.authFile = value();
+        } else if (arg == "--log") {
+            options.logFile = value();
+        } else if (arg == "--insecure") {
+            options.insecure = true;
+        } else if (arg == "--listen") {
+            std::string address = value();
+            size_t colon = address.rfind(':');
+            if (colon == std::string::npos || colon == 0) throw UsageError("--listen needs ADDR:PORT");
+            std::string port = address.substr(colon + 1);
+            char* end = nullptr;
+            long number = std::strtol(port.c_str(), &end, 10);
+            if (port.empty() || *end != '\0' || number < 0 || number > 65535) {
+                throw UsageError("bad port in --listen " + address);
+            }
+            options.listenHost = address.substr(0, colon);
+            if (options.listenHost.size() > 2 && options.listenHost.front() == '[' && options.listenHost.back() == ']') {
+                options.listenHost = options.listenHost.substr(1, options.listenHost.size() - 2);
+            }
+            options.listenPort = static_cast<int>(number);
+        } else {
+            throw UsageError("unknown option " + arg);
+        }
+    }
+    return options;
+}
+
+}  // namespace cimhost

@@ -1,0 +1,32 @@
+// Command-line options of cimhost.
+#pragma once
+
+#include <stdexcept>
+#include <string>
+
+namespace cimhost {
+
+class UsageError : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
+
+struct Options {
+    std::string providerPath;
+    std::string mofPath;
+    std::string listenHost = "127.0.0.1";
+    int listenPort = 5988;
+    std::string nameSpace = "root/cimv2";
+    std::string authFile;
+    std::string logFile;  // empty: standard error
+    bool insecure = false;
+    bool help = false;
+};
+
+// Parses argv. `defaultProvider` and `defaultMof` fill the paths not given.
+// Throws UsageError for unknown options, missing values and bad addresses.
+Options parseOptions(int argc, char** argv, const std::string& defaultProvider, const std::string& defaultMof);
+
+const char* usageText();
+
+}  // namespace cimhost

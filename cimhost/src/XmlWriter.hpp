@@ -1,0 +1,83 @@
+// Builds response XML as text. The client's response scanner accepts
+// self-closed tags only for CLASSNAME, NAMESPACE and ERROR, so every other
+// element is written with explicit start and end tags, even when empty.
+#pragma once
+
+#include <initializer_list>
+#include <string>
+#include <utility>
+
+namespace cimhost {
+
+using XmlAttributes = std::initializer_list<std::pair<const char*, std::string>>;
+
+class XmlWriter {
+public:
+    XmlWriter& start(const char* name, XmlAttributes attributes = {}) {
+        out_ += '<';
+        out_ += name;
+        writeAttributes(attributes);
+        out_ += '>';
+        return *this;
+    }
+    XmlWriter& end(const char* name) {
+        out_ += "</";
+        out_ += name;
+        out_ += '>';
+        return *this;
+    }
+    // Only for CLASSNAME, NAMESPACE and ERROR.
+    XmlWriter& selfClosed(const char* name, XmlAttributes attributes = {}) {
+        out_ += '<';
+        out_ += name;
+        writeAttributes(attributes);
+        out_ += "/>";
+        return *this;
+    }
+    XmlWriter& text(const std::string& content) {
+        out_ += escape(content, false);
+        return *this;
+    }
+    // <name attrs>content</name>
+    XmlWriter& leaf(const char* name, const std::string& content, XmlAttributes attributes = {}) {
+        return start(name, attributes).text(content).end(name);
+    }
+    XmlWriter& raw(const std::string& markup) {
+        out_ += markup;
+        return *this;
+    }
+    const std::string& str() const { return out_; }
+
+    // Escapes &, < and > always, and " plus line ends inside attributes.
+    static std::string escape(const std::string& content, bool attribute) {
+        std::string escaped;
+        escaped.reserve(content.size());
+        for (char c : content) {
+            switch (c) {
+                case '&': escaped += "&amp;"; break;
+                case '<': escaped += "&lt;"; break;
+                case '>': escaped += "&gt;"; break;
+                case '"': escaped += attribute ? "&quot;" : "\""; break;
+                case '\n': escaped += attribute ? "&#10;" : "\n"; break;
+                case '\r': escaped += attribute ? "&#13;" : "\r"; break;
+                default: escaped += c; break;
+            }
+        }
+        return escaped;
+    }
+
+private:
+    void writeAttributes(XmlAttributes attributes) {
+        for (const auto& [name, value] : attributes) {
+            out_ += ' ';
+            out_ += name;
+            out_ += "=\"";
+            out_ += escape(value, true);
+            out_ += '"';
+        }
+    }
+
+    std::string out_;
+};
+
+}  // namespace cimhost
