@@ -14,6 +14,7 @@
 
 #include "OW_config.h"
 #include "OW_Array.hpp"
+#include "OW_Bool.hpp"
 #include "OW_CIMClass.hpp"
 #include "OW_CIMException.hpp"
 #include "OW_CIMInstance.hpp"

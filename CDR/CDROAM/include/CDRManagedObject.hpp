@@ -24,6 +24,10 @@ inline std::string cdrComposeKey(const std::string& a, const std::string& b,
   return std::string() + a + b + c + d;
 }
 
+// Marks key parameters that a slot accepts and does not use.
+template <class... Keys>
+inline void cdrUnusedKeys(const Keys&...) {}
+
 template <class C, class Manager>
 class CDRManagedObject {
  public:
@@ -112,7 +116,10 @@ class CDRInstanceTable {
     C##InstanceManager() {}                                                        \
     virtual ~C##InstanceManager() {}                                               \
     virtual void init() {}                                                         \
-    virtual C* create##C KEY_PARAMS { throw CFG_InstanceCreationFailed(); }       \
+    virtual C* create##C KEY_PARAMS {                                              \
+      cdrUnusedKeys KEY_ARGS;                                                      \
+      throw CFG_InstanceCreationFailed();                                          \
+    }                                                                              \
     virtual void destroy##C(C*) { throw CFG_InstanceDeletionFailed(); }           \
     virtual void add(C* object) { addEntry(object); }                              \
     virtual void remove(C* object) { removeEntry(object); }                        \

@@ -1,0 +1,273 @@
+// Loads the built CDRProvider.so as a CIM object manager does and serves the
+// six classes through the one provider it exports.
+#include <dlfcn.h>
+#include <stdio.h>
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <functional>
+#include <memory>
+#include <string>
+
+#include "OW_config.h"
+#include "OW_CIMClass.hpp"
+#include "OW_CIMException.hpp"
+#include "OW_CIMInstance.hpp"
+#include "OW_CIMObjectPath.hpp"
+#include "OW_CIMParamValue.hpp"
+#include "OW_CppAssociatorProviderIFC.hpp"
+#include "OW_CppMethodProviderIFC.hpp"
+#include "OW_CppProviderBaseIFC.hpp"
+#include "OW_ResultHandlerIFC.hpp"
+
+#include "CDRTestSupport.hpp"
+#include "ZpoShared.h"
+#include "ZpoTestRoot.hpp"
+
+namespace {
+
+namespace OW = OW_NAMESPACE;
+using cdrtest::catchCIMError;
+using cdrtest::CIMError;
+
+const char* const kSource = "CDR/CDROAM/src/CDRProvider";
+const OW::CIMClass kNoClass(OW::CIMNULL);
+
+class ThrowingHandler : public OW::CIMInstanceResultHandlerIFC {
+ protected:
+  void doHandle(const OW::CIMInstance&) override { throw std::runtime_error("x"); }
+};
+
+class LoadedModuleTest : public ::testing::Test {
+ protected:
+  LoadedModuleTest() : log(std::make_shared<std::vector<std::string>>()), env(cdrtest::makeEnvironment(log)) {
+    handle = dlopen(CDR_PROVIDER_MODULE, RTLD_NOW | RTLD_GLOBAL);
+    EXPECT_NE(nullptr, handle) << dlerror();
+  }
+  ~LoadedModuleTest() override {
+    // The module stays loaded: its objects live until the process ends.
+  }
+  template <class T>
+  T symbol(const char* name) {
+    return reinterpret_cast<T>(dlsym(handle, name));
+  }
+  OW::CppProviderBaseIFC* create() {
+    auto factory = symbol<OW::CppProviderBaseIFC* (*)()>("createProviderCDRProvider");
+    return factory ? factory() : nullptr;
+  }
+  // A provider initialised as the CIM object manager initialises it.
+  void start() {
+    base = create();
+    ASSERT_NE(nullptr, base);
+    baseRef = OW::IntrusiveReference<OW::CppProviderBaseIFC>(base);
+    base->initialize(env);
+    instances = base->getInstanceProvider();
+    methods = base->getMethodProvider();
+    associators = base->getAssociatorProvider();
+  }
+  std::vector<OW::CIMObjectPath> names(const char* className) {
+    cdrtest::PathCollector collector;
+    instances->enumInstanceNames(env, "root/cimv2", className, collector, kNoClass);
+    return collector.items;
+  }
+
+  zpotest::TempZpoRoot root;
+  cdrtest::LogRecord log;
+  OW::ProviderEnvironmentIFCRef env;
+  void* handle = nullptr;
+  OW::CppProviderBaseIFC* base = nullptr;
+  OW::IntrusiveReference<OW::CppProviderBaseIFC> baseRef;
+  OW::CppInstanceProviderIFC* instances = nullptr;
+  OW::CppMethodProviderIFC* methods = nullptr;
+  OW::CppAssociatorProviderIFC* associators = nullptr;
+};
+
+TEST_F(LoadedModuleTest, ExportsTheFactoryAndTheInterfaceVersion) {
+  auto version = symbol<const char* (*)()>("getOWVersion");
+  ASSERT_NE(nullptr, version);
+  EXPECT_STREQ("3.0.3", version());
+  for (const char* name : {"createProviderCDRProvider", "createCDROAMInstances",
+                           "releaseCDROAMInstances", "C_RestoreCallBackHdlr", "myInstance",
+                           "zpoHandle", "controlLogBuffer"}) {
+    EXPECT_NE(nullptr, dlsym(handle, name)) << name;
+  }
+}
+
+TEST_F(LoadedModuleTest, LeavesNoUndefinedSymbol) {
+  std::string command = std::string("ldd -r ") + CDR_PROVIDER_MODULE + " 2>&1";
+  FILE* pipe = popen(command.c_str(), "r");
+  ASSERT_NE(nullptr, pipe);
+  std::string output;
+  char buffer[512];
+  while (fgets(buffer, sizeof buffer, pipe)) output += buffer;
+  EXPECT_EQ(0, pclose(pipe));
+  EXPECT_EQ(std::string::npos, output.find("undefined symbol")) << output;
+  EXPECT_EQ(std::string::npos, output.find("not found")) << output;
+}
+
+TEST_F(LoadedModuleTest, InitializationCreatesTheSeventeenObjectsWithTheirTraces) {
+  testing::internal::CaptureStdout();
+  start();
+  fflush(stdout);
+  std::string expected =
+      "begin to create instance in initialize() "
+      " QTX_CDRPushSettingImpl created !!!!!!!!!!!!!!!!!!!!!!!!!\n"
+      "before to push sta\nafter to push sta\n";
+  for (int i = 0; i < 5; ++i) expected += "finish to create QTX_CDRServiceAccessBinImpl---" + std::to_string(i) + "\n";
+  expected += " finish to create QTX_CDRService\n";
+  for (int i = 0; i < 8; ++i) expected += "finish to create QTX_CDRServicePrefixBinImpl---" + std::to_string(i) + "\n";
+  expected += "finish to create instance in initialize() ";
+  EXPECT_EQ(expected, testing::internal::GetCapturedStdout());
+  EXPECT_NE(nullptr, *symbol<void**>("myInstance"));
+
+  struct { const char* className; size_t count; const char* firstKey; } rows[] = {
+      {"QTX_CDRPushSetting", 1, "CDRPushSetting"},
+      {"QTX_CDRPushStatistics", 1, "CDRPushStatistic"},
+      {"QTX_CDRPullStatistics", 1, "CDRPullStatistic"},
+      {"QTX_CDRService", 1, "QTX_System"},
+      {"QTX_CDRServicePrefixBin", 8, "CDRServicePrefixBin_0"},
+      {"QTX_CDRServiceAccessBin", 5, "CDRServiceAccessBin_0"}};
+  for (const auto& row : rows) {
+    std::vector<OW::CIMObjectPath> paths = names(row.className);
+    ASSERT_EQ(row.count, paths.size()) << row.className;
+    EXPECT_STREQ(row.firstKey, paths[0].getKeys()[0].getValue().toString().c_str());
+  }
+  EXPECT_STREQ("CDRServicePrefixBin_7",
+               names("QTX_CDRServicePrefixBin")[7].getKeys()[0].getValue().toString().c_str());
+  std::vector<std::string> diag = root.logLines("CdrOAM.log");
+  (void)diag;  // the module registered "CdrOAM.log"; entries appear on the first failure
+}
+
+TEST_F(LoadedModuleTest, ClassNamesAreMatchedExactlyAndCaseSensitively) {
+  start();
+  CIMError error = catchCIMError([&] { names("qtx_cdrservice"); });
+  EXPECT_EQ(5, error.code);
+  EXPECT_EQ(kSource, error.file);
+  EXPECT_EQ(170, error.line);
+  EXPECT_FALSE(error.hasMessage);
+  OW::CIMObjectPath path = cdrtest::makePath("QTX_CDRSERVICE", {{"Name", "CDRService"}});
+  OW::CIMParamValueArray in, out;
+  error = catchCIMError([&] { methods->invokeMethod(env, "root/cimv2", path, "Refresh", in, out); });
+  EXPECT_EQ(5, error.code);
+  EXPECT_EQ(722, error.line);
+}
+
+TEST_F(LoadedModuleTest, DispatchesEveryOperationToTheAddressedClass) {
+  start();
+  OW::CIMObjectPath pull = cdrtest::makePath("QTX_CDRPullStatistics", {{"Name", "CDRPullStatistic"}});
+  OW::CIMParamValueArray in, out;
+  EXPECT_EQ(1u, methods->invokeMethod(env, "root/cimv2", pull, "Refresh", in, out).toUInt32());
+  OW::CIMInstance instance = instances->getInstance(
+      env, "root/cimv2", pull, OW::WBEMFlags::E_NOT_LOCAL_ONLY, OW::WBEMFlags::E_INCLUDE_QUALIFIERS,
+      OW::WBEMFlags::E_EXCLUDE_CLASS_ORIGIN, 0, kNoClass);
+  EXPECT_STREQ("QTX_CDRPullStatistics", instance.getClassName().c_str());
+
+  // A class provider's own CIMException passes through unchanged.
+  OW::CIMObjectPath unknown = cdrtest::makePath("QTX_CDRServicePrefixBin", {{"InstanceID", "nope"}});
+  CIMError error = catchCIMError([&] {
+    instances->getInstance(env, "root/cimv2", unknown, OW::WBEMFlags::E_NOT_LOCAL_ONLY,
+                           OW::WBEMFlags::E_INCLUDE_QUALIFIERS, OW::WBEMFlags::E_EXCLUDE_CLASS_ORIGIN,
+                           0, kNoClass);
+  });
+  EXPECT_EQ(6, error.code);
+  EXPECT_EQ("CDR/CDROAM/src/QTX_CDRServicePrefixBinProvider", error.file);
+
+  // modifyInstance dispatches on the new instance's class.
+  OW::CIMInstance modified("QTX_CDRServiceAccessBin");
+  modified.setProperty("InstanceID", OW::CIMValue(OW::String("CDRServiceAccessBin_1")));
+  modified.setProperty("SuppressBin", OW::CIMValue(OW::String("7")));
+  instances->modifyInstance(env, "root/cimv2", modified, OW::CIMInstance("QTX_CDRService"),
+                            OW::WBEMFlags::E_EXCLUDE_QUALIFIERS, 0, kNoClass);
+  std::vector<uint8_t> bins = root.binary("CDR", "CDRService", "ACCESS BIN");
+  ASSERT_EQ(30u, bins.size());
+  EXPECT_EQ(7, bins[11]);
+}
+
+TEST_F(LoadedModuleTest, StdExceptionBecomesFailedWithTheComposedMessageAlsoLogged) {
+  start();
+  ThrowingHandler handler;
+  CIMError error = catchCIMError([&] {
+    instances->enumInstances(env, "root/cimv2", "QTX_CDRPullStatistics", handler,
+                             OW::WBEMFlags::E_NOT_LOCAL_ONLY, OW::WBEMFlags::E_DEEP,
+                             OW::WBEMFlags::E_INCLUDE_QUALIFIERS,
+                             OW::WBEMFlags::E_EXCLUDE_CLASS_ORIGIN, 0, kNoClass, kNoClass);
+  });
+  const std::string text =
+      "Unknown std::exception caught in CDRProvider\n"
+      " while performing enumInstances operation on QTX_CDRPullStatistics\nx\n";
+  EXPECT_EQ(1, error.code);
+  EXPECT_EQ(260, error.line);
+  EXPECT_EQ(kSource, error.file);
+  EXPECT_EQ(text, error.message);
+  ASSERT_EQ(1u, log->size());
+  EXPECT_EQ("ERROR: " + text, (*log)[0]);
+}
+
+TEST_F(LoadedModuleTest, RegistryErrorsOfThePushSettingBecomeFailedWithAnEmptyMessage) {
+  start();
+  root.setFault("reg-read", "CDR", "CDRPush", "TransferType", 0x99);
+  OW::CIMObjectPath push = cdrtest::makePath("QTX_CDRPushSetting", {{"InstanceID", "CDRPushSetting"}});
+  CIMError error = catchCIMError([&] {
+    instances->getInstance(env, "root/cimv2", push, OW::WBEMFlags::E_NOT_LOCAL_ONLY,
+                           OW::WBEMFlags::E_INCLUDE_QUALIFIERS, OW::WBEMFlags::E_EXCLUDE_CLASS_ORIGIN,
+                           0, kNoClass);
+  });
+  EXPECT_EQ(1, error.code);
+  EXPECT_EQ(342, error.line);
+  EXPECT_EQ("", error.message);
+  EXPECT_TRUE(log->empty());
+
+  root.clearFaults();
+  root.setFault("reg-write", "CDR", "CDRPush", "UserName", 0x98);
+  OW::CIMInstance modified("QTX_CDRPushSetting");
+  modified.setProperty("InstanceID", OW::CIMValue(OW::String("CDRPushSetting")));
+  modified.setProperty("UserName", OW::CIMValue(OW::String("bob")));
+  error = catchCIMError([&] {
+    instances->modifyInstance(env, "root/cimv2", modified, modified,
+                              OW::WBEMFlags::E_EXCLUDE_QUALIFIERS, 0, kNoClass);
+  });
+  EXPECT_EQ(1, error.code);
+  EXPECT_EQ(607, error.line);
+  EXPECT_EQ("", error.message);
+}
+
+TEST_F(LoadedModuleTest, AssociationsAreRefusedAtTheirLines) {
+  start();
+  OW::CIMObjectPath service = cdrtest::makePath("QTX_CDRService", {{"Name", "CDRService"}});
+  cdrtest::InstanceCollector found;
+  cdrtest::PathCollector foundNames;
+  struct { int line; std::function<void()> call; } rows[] = {
+      {787, [&] { associators->associators(env, found, "root/cimv2", service, "", "", "", "",
+                                           OW::WBEMFlags::E_EXCLUDE_QUALIFIERS,
+                                           OW::WBEMFlags::E_EXCLUDE_CLASS_ORIGIN, 0); }},
+      {845, [&] { associators->associatorNames(env, foundNames, "root/cimv2", service, "", "", "", ""); }},
+      {905, [&] { associators->references(env, found, "root/cimv2", service, "", "",
+                                          OW::WBEMFlags::E_EXCLUDE_QUALIFIERS,
+                                          OW::WBEMFlags::E_EXCLUDE_CLASS_ORIGIN, 0); }},
+      {959, [&] { associators->referenceNames(env, foundNames, "root/cimv2", service, "", ""); }}};
+  for (const auto& row : rows) {
+    CIMError error = catchCIMError(row.call);
+    EXPECT_EQ(5, error.code);
+    EXPECT_EQ(row.line, error.line);
+    EXPECT_FALSE(error.hasMessage);
+  }
+}
+
+TEST_F(LoadedModuleTest, HolderFunctionsForHostsWithoutTheProviderInterface) {
+  auto release = symbol<void (*)()>("releaseCDROAMInstances");
+  auto createHolder = symbol<void* (*)()>("createCDROAMInstances");
+  auto restore = symbol<void (*)(unsigned long)>("C_RestoreCallBackHdlr");
+  ASSERT_TRUE(release && createHolder && restore);
+  release();  // nothing was created: nothing happens
+  testing::internal::CaptureStdout();
+  EXPECT_NE(nullptr, createHolder());
+  testing::internal::GetCapturedStdout();
+  uint8_t daily = 0;
+  ZpoSetRegEntryBinary("CDR", "CDRPush", "TransferType", &daily, 1);
+  release();
+  restore(2);  // the push setting is gone: ignored, nothing scheduled
+  EXPECT_TRUE(root.crontabLines().empty());
+}
+
+}  // namespace
