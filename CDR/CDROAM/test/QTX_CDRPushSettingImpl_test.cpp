@@ -1,0 +1,452 @@
+// The push settings and their scheduled transfer, against the real platform:
+// registry entries, diagnostic log lines and the scheduler's crontab.
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <functional>
+#include <map>
+#include <memory>
+#include <thread>
+
+#include "CDRTestSupport.hpp"
+#include "QTX_CDRPushSettingImpl.h"
+
+namespace {
+
+namespace OW = OW_NAMESPACE;
+typedef OW::Array<OW::CIMQualifier> Qualifiers;
+
+const char* const kTask = " /qv/bin/CDRTransfer";
+
+class PushSettingTest : public cdrtest::ModuleTest {
+ protected:
+  PushSettingTest() : push(new QTX_CDRPushSettingImpl("CDRPushSetting")) {}
+  ~PushSettingTest() override { push.reset(); }
+
+  void setText(const char* key, const char* text) { ZpoSetRegEntryString("CDR", "CDRPush", key, text); }
+  void setByte(const char* key, uint8_t value) { ZpoSetRegEntryBinary("CDR", "CDRPush", key, &value, 1); }
+  std::vector<uint8_t> byteEntry(const char* key) const { return entry("CDRPush", key); }
+  bool has(const char* key) const { return root.hasEntry("CDR", "CDRPush", key); }
+  std::string text(const char* key) const {
+    char buffer[512] = {0};
+    if (ZpoGetRegEntryString("CDR", "CDRPush", key, buffer, sizeof buffer) != 0) return "<absent>";
+    return buffer;
+  }
+
+  // Diagnostic entries as "<level> <text>".
+  std::vector<std::string> entries() const {
+    std::vector<std::string> result;
+    for (const std::string& line : log()) {
+      size_t level = line.find(" level=");
+      size_t id = line.find(" id=-1 ");
+      if (level == std::string::npos || id == std::string::npos) continue;
+      result.push_back(line.substr(level + 7, id - level - 7) + " " + line.substr(id + 7));
+    }
+    return result;
+  }
+
+  // Adds a task for the transfer program, as an earlier arming left it.
+  void addStaleTask(uint16_t hour, uint16_t minute) {
+    ZpoScheduledTask task = {};
+    snprintf(task.path, sizeof task.path, "/qv/bin/CDRTransfer");
+    task.hour = hour;
+    task.minute = minute;
+    task.dayOfMonth = task.dayOfWeek = task.month = ZPO_SCHED_ANY;
+    ASSERT_EQ(0u, ZpoSetScheduledTask(task, 1000, 1000, 1000));
+  }
+
+  unsigned char transferType() {
+    unsigned char type = 0xEE;
+    Qualifiers q;
+    push->getTransferType(type, q);
+    return type;
+  }
+
+  std::unique_ptr<QTX_CDRPushSettingImpl> push;
+};
+
+// ---- Reading -----------------------------------------------------------------
+
+// One read cycle in the order the provider uses; a property whose getter
+// leaves its value alone reads "untouched". Also collects "Applicable".
+struct ReadCycle {
+  std::map<std::string, std::string> values;
+  std::map<std::string, std::string> applicable;
+};
+
+template <class T>
+std::string shown(const T& v) { return std::to_string(v); }
+std::string shown(const std::string& v) { return v; }
+std::string shown(bool v) { return v ? "true" : "false"; }
+
+ReadCycle readAll(const QTX_CDRPushSettingImpl& push) {
+  ReadCycle cycle;
+  auto take = [&](const char* name, auto getter, auto untouched) {
+    auto value = untouched;
+    Qualifiers q;
+    EXPECT_EQ(0, (push.*getter)(value, q)) << name;
+    cycle.values[name] = value == untouched ? "untouched" : shown(value);
+    if (q.size() == 1) cycle.applicable[name] = q[0].getValue().toBool() ? "true" : "false";
+  };
+  const std::string sentinel = "untouched";
+  take("TransferType", &QTX_CDRPushSettingImpl::getTransferType, (unsigned char)0xEE);
+  take("IPAddress", &QTX_CDRPushSettingImpl::getIPAddress, sentinel);
+  take("UserName", &QTX_CDRPushSettingImpl::getUserName, sentinel);
+  take("Password", &QTX_CDRPushSettingImpl::getPassword, sentinel);
+  take("DestFolder", &QTX_CDRPushSettingImpl::getDestFolder, sentinel);
+  take("NumRetry", &QTX_CDRPushSettingImpl::getNumRetry, 0xEEEEu);
+  take("TransferTime", &QTX_CDRPushSettingImpl::getTransferTime, sentinel);
+  take("TransferDayOfMonth", &QTX_CDRPushSettingImpl::getTransferDayOfMonth, sentinel);
+  take("TransferDayOfWeek", &QTX_CDRPushSettingImpl::getTransferDayOfWeek, sentinel);
+  return cycle;
+}
+
+TEST_F(PushSettingTest, FirstReadWithoutEntriesCreatesOnlyTheTransferType) {
+  ReadCycle cycle = readAll(*push);
+  bool flag = true;
+  Qualifiers q;
+  EXPECT_EQ(0, push->getDeleteFlag(flag, q));
+  EXPECT_TRUE(flag);  // not applicable: left alone
+
+  EXPECT_EQ("4", cycle.values["TransferType"]);
+  EXPECT_EQ(0u, cycle.applicable.count("TransferType"));
+  for (const char* name : {"IPAddress", "UserName", "Password", "DestFolder", "NumRetry",
+                           "TransferTime", "TransferDayOfMonth", "TransferDayOfWeek"}) {
+    EXPECT_EQ("untouched", cycle.values[name]) << name;
+    EXPECT_EQ("false", cycle.applicable[name]) << name;
+  }
+  EXPECT_EQ((std::vector<uint8_t>{4}), byteEntry("TransferType"));
+  for (const char* key : {"IpAddr", "UserName", "Password", "DestFolder", "NumRetry", "DeleteFlag",
+                          "CompressFlag", "IncludeMetricsFlag", "TranTime", "TranDateOfMonth",
+                          "TranDateOfWeek"}) {
+    EXPECT_FALSE(has(key)) << key;
+  }
+  EXPECT_TRUE(entries().empty());
+}
+
+TEST_F(PushSettingTest, MissingEntriesAreCreatedWithTheirDefaults) {
+  setByte("TransferType", 0);
+  ReadCycle cycle = readAll(*push);
+  bool flag = true;
+  Qualifiers q;
+  push->getCompressFlag(flag, q);
+
+  EXPECT_EQ("", cycle.values["IPAddress"]);
+  EXPECT_EQ("00:00", cycle.values["TransferTime"]);
+  EXPECT_EQ("0", cycle.values["NumRetry"]);
+  EXPECT_FALSE(flag);
+  EXPECT_EQ("true", cycle.applicable["TransferTime"]);
+  EXPECT_EQ("false", cycle.applicable["TransferDayOfMonth"]);
+  EXPECT_EQ("untouched", cycle.values["TransferDayOfWeek"]);
+  EXPECT_EQ("", text("IpAddr"));
+  EXPECT_EQ("", text("DestFolder"));
+  EXPECT_EQ("00:00", text("TranTime"));
+  EXPECT_EQ((std::vector<uint8_t>{0}), byteEntry("NumRetry"));
+  EXPECT_EQ((std::vector<uint8_t>{0}), byteEntry("CompressFlag"));
+  EXPECT_FALSE(has("TranDateOfMonth"));
+  EXPECT_TRUE(entries().empty());
+
+  // A stored empty text counts as holding control characters on every read.
+  readAll(*push);
+  std::vector<std::string> lines = entries();
+  EXPECT_EQ(4u, lines.size());
+  EXPECT_EQ("2 ControlCharacters Found in PDR:Push-IpAddr", lines.at(0));
+}
+
+TEST_F(PushSettingTest, EachDayAppliesOnlyToItsOwnTransferType) {
+  setText("TranDateOfMonth", "15");
+  setText("TranDateOfWeek", "3");
+  struct Row { uint8_t type; const char* month; const char* week; } rows[] = {
+      {2, "15", "untouched"}, {1, "untouched", "3"}, {0, "untouched", "untouched"}};
+  for (const Row& row : rows) {
+    setByte("TransferType", row.type);
+    ReadCycle cycle = readAll(*push);
+    EXPECT_EQ(row.month, cycle.values["TransferDayOfMonth"]) << int(row.type);
+    EXPECT_EQ(row.week, cycle.values["TransferDayOfWeek"]) << int(row.type);
+    EXPECT_EQ(row.type == 2 ? "true" : "false", cycle.applicable["TransferDayOfMonth"]);
+    EXPECT_EQ(row.type == 1 ? "true" : "false", cycle.applicable["TransferDayOfWeek"]);
+  }
+}
+
+TEST_F(PushSettingTest, ControlCharactersReadAsTheDefaultAndAreReported) {
+  struct Row { uint8_t type; const char* key; const char* stored; const char* read; const char* entry; }
+  rows[] = {
+      {0, "IpAddr", "10.0.0.1\t", "", "Push-IpAddr"},
+      {0, "UserName", "bob\n", "", "Push-UserName"},
+      {0, "TranTime", "10:\x01" "00", "00:00", "Push-TranTime"},
+      {2, "TranDateOfMonth", "1\r", "", "Push-TranDateOfMonth"},
+  };
+  for (const Row& row : rows) {
+    setByte("TransferType", row.type);
+    setText(row.key, row.stored);
+    size_t before = entries().size();
+    ReadCycle cycle = readAll(*push);
+    std::string name = std::string(row.key) == "IpAddr" ? "IPAddress"
+                       : std::string(row.key) == "TranTime" ? "TransferTime"
+                       : std::string(row.key) == "TranDateOfMonth" ? "TransferDayOfMonth"
+                                                                   : row.key;
+    EXPECT_EQ(row.read, cycle.values[name]) << row.key;
+    std::vector<std::string> lines = entries();
+    std::vector<std::string> added(lines.begin() + before, lines.end());
+    EXPECT_NE(added.end(), std::find(added.begin(), added.end(),
+                                     std::string("2 ControlCharacters Found in PDR:") + row.entry))
+        << row.key;
+    EXPECT_EQ(row.stored, text(row.key));  // the registry keeps the bad value
+  }
+}
+
+TEST_F(PushSettingTest, FailedReadsAreLoggedGiveTheirFallbackAndThrow) {
+  setByte("TransferType", 0);
+  setByte("NumRetry", 3);
+  setByte("DeleteFlag", 1);
+  setText("IpAddr", "10.0.0.1");
+  const uint32_t kFault = 0x200011;
+  root.setFault("reg-read", "CDR", "CDRPush", "NumRetry", kFault);
+  root.setFault("reg-read", "CDR", "CDRPush", "DeleteFlag", kFault);
+  root.setFault("reg-read", "CDR", "CDRPush", "IpAddr", kFault);
+  Qualifiers q;
+  unsigned int retries = 0;
+  EXPECT_THROW(push->getNumRetry(retries, q), CFG_ReadError);
+  EXPECT_EQ(1u, retries);
+  bool flag = true;
+  EXPECT_THROW(push->getDeleteFlag(flag, q), CFG_ReadError);
+  EXPECT_FALSE(flag);
+  std::string address = "before";
+  EXPECT_THROW(push->getIPAddress(address, q), CFG_ReadError);
+  EXPECT_EQ("", address);
+
+  root.setFault("reg-read", "CDR", "CDRPush", "TransferType", kFault);
+  unsigned char type = 0;
+  EXPECT_THROW(push->getTransferType(type, q), CFG_ReadError);
+  EXPECT_EQ(4, type);
+  root.clearFaults();
+  EXPECT_EQ((std::vector<std::string>{"4 getNumRetry error = 2097169",
+                                      "4 getDeleteFlag error = 2097169",
+                                      "4 getIPAddress error = 2097169",
+                                      "4 getTransferType error = 2097169"}),
+            entries());
+  EXPECT_EQ((std::vector<uint8_t>{0}), byteEntry("TransferType"));  // nothing written back
+}
+
+// ---- Writing -----------------------------------------------------------------
+
+TEST_F(PushSettingTest, TransferTimeAcceptsHourAndMinuteInRangeStoredAsGiven) {
+  struct Row { const char* time; int status; } rows[] = {
+      {"7:5", 0}, {"00:00", 0}, {"23:59", 0}, {"0:0", 0}, {"", 0},
+      {"24:00", 301}, {"12:60", 301}, {"ab:10", 301}, {"12:x", 301}, {"000", 301},
+      {"-1:10", 301}};
+  for (const Row& row : rows) {
+    setText("TranTime", "keep");
+    EXPECT_EQ(row.status, push->setTransferTime(row.time)) << row.time;
+    EXPECT_EQ(row.status == 0 ? row.time : "keep", text("TranTime")) << row.time;
+  }
+}
+
+TEST_F(PushSettingTest, DaysAreValidatedByTheirLeadingNumberAndStoredAsGiven) {
+  struct Row { bool month; const char* day; int status; } rows[] = {
+      {true, "1", 0}, {true, "31", 0}, {true, "15th", 0}, {true, "0", 301}, {true, "32", 301},
+      {true, "", 301}, {false, "0", 0}, {false, "6", 0}, {false, "7", 301}, {false, "-1", 301}};
+  for (const Row& row : rows) {
+    const char* key = row.month ? "TranDateOfMonth" : "TranDateOfWeek";
+    setText(key, "keep");
+    int status = row.month ? push->setTransferDayOfMonth(row.day) : push->setTransferDayOfWeek(row.day);
+    EXPECT_EQ(row.status, status) << key << " " << row.day;
+    EXPECT_EQ(row.status == 0 ? row.day : "keep", text(key)) << key << " " << row.day;
+  }
+}
+
+TEST_F(PushSettingTest, NumRetryKeepsOnlyItsLowByte) {
+  setByte("TransferType", 0);
+  EXPECT_EQ(0, push->setNumRetry(300));
+  EXPECT_EQ((std::vector<uint8_t>{44}), byteEntry("NumRetry"));
+  EXPECT_EQ("44", readAll(*push).values["NumRetry"]);
+  setByte("NumRetry", 0xFF);
+  EXPECT_EQ("255", readAll(*push).values["NumRetry"]);
+}
+
+TEST_F(PushSettingTest, FlagsAreStoredAsOneAndReadTrueForAnyNonZeroByte) {
+  setByte("TransferType", 0);
+  EXPECT_EQ(0, push->setIncludeMetricsFlag(true));
+  EXPECT_EQ((std::vector<uint8_t>{1}), byteEntry("IncludeMetricsFlag"));
+  setByte("DeleteFlag", 2);
+  bool flag = false;
+  Qualifiers q;
+  push->getDeleteFlag(flag, q);
+  EXPECT_TRUE(flag);
+}
+
+TEST_F(PushSettingTest, FailedWritesAreLoggedAndThrow) {
+  const uint32_t kFault = 0x200011;
+  root.setFault("reg-write", "CDR", "CDRPush", "", kFault);
+  EXPECT_THROW(push->setIPAddress("10.0.0.1"), CFG_WriteError);
+  EXPECT_THROW(push->setNumRetry(3), CFG_WriteError);
+  EXPECT_THROW(push->setTransferTime("10:00"), CFG_WriteError);
+  EXPECT_THROW(push->setTransferDayOfWeek("2"), CFG_WriteError);
+  EXPECT_THROW(push->setTransferType(0), CFG_WriteError);
+  EXPECT_EQ((std::vector<std::string>{"4 setIPAddress error = 2097169", "4 setNumRetry error = 2097169",
+                                      "4 setTransferTime error = 2097169",
+                                      "4 setTransferDayOfWeek error = 2097169",
+                                      "1 setTransferType error = 2097169"}),
+            entries());
+  EXPECT_TRUE(root.crontabLines().empty());  // a refused write arms nothing
+}
+
+// ---- The schedule ------------------------------------------------------------
+
+TEST_F(PushSettingTest, EachTransferTypeArmsOrRemovesTheOneTask) {
+  setText("TranTime", "7:5");
+  setText("TranDateOfWeek", "0");
+  setText("TranDateOfMonth", "31");
+  struct Row { uint8_t type; const char* cron; const char* scheduled; } rows[] = {
+      {0, "5 7 * * *", "PUSH_DAILY: Time=07:05 "},
+      {1, "5 7 * * 7", "PUSH_WEEKLY: DayOfWeek=7, Time=07:05 "},
+      {2, "5 7 31 * *", "PUSH_MONTHLY: DayOfMonth=31, Time=07:05 "},
+      {3, nullptr, nullptr},
+      {4, nullptr, nullptr},
+      {9, "5 7 * * *", " Time=07:05 "},
+  };
+  for (const Row& row : rows) {
+    addStaleTask(1, 0);
+    size_t before = entries().size();
+    EXPECT_EQ(0, push->setTransferType(row.type)) << int(row.type);
+    std::vector<std::string> lines = entries();
+    std::vector<std::string> added(lines.begin() + before, lines.end());
+    std::vector<std::string> expected{"4 CDR: push task deleted successfully"};
+    if (row.scheduled) {
+      expected.push_back(std::string("4 CDR: push task scheduled successfully, ") + row.scheduled);
+      EXPECT_EQ((std::vector<std::string>{std::string(row.cron) + kTask}), root.crontabLines());
+    } else {
+      EXPECT_TRUE(root.crontabLines().empty()) << int(row.type);
+    }
+    EXPECT_EQ(expected, added) << int(row.type);
+    if (row.scheduled) push->removePushSchedule();
+  }
+}
+
+TEST_F(PushSettingTest, ArmingCreatesMissingTimeAndDay) {
+  EXPECT_EQ(0, push->setTransferType(1));
+  EXPECT_EQ("00:00", text("TranTime"));
+  EXPECT_EQ("", text("TranDateOfWeek"));
+  EXPECT_FALSE(has("TranDateOfMonth"));
+  EXPECT_EQ((std::vector<std::string>{std::string("0 0 * * 7") + kTask}), root.crontabLines());
+}
+
+TEST_F(PushSettingTest, TimeAndDaySettersReArmWhateverTheType) {
+  setByte("TransferType", 1);
+  transferType();
+  EXPECT_EQ(0, push->setTransferDayOfWeek("3"));
+  EXPECT_EQ(0, push->setTransferTime("8:30"));
+  EXPECT_EQ((std::vector<std::string>{std::string("30 8 * * 3") + kTask}), root.crontabLines());
+  EXPECT_EQ(0, push->setTransferDayOfWeek("5"));  // keeps the time set before
+  EXPECT_EQ((std::vector<std::string>{std::string("30 8 * * 5") + kTask}), root.crontabLines());
+  EXPECT_EQ("4 CDR: push task scheduled successfully, PUSH_WEEKLY: DayOfWeek=5, Time=08:30 ",
+            entries().back());
+
+  EXPECT_EQ(0, push->setTransferType(4));
+  EXPECT_EQ(0, push->setTransferTime("10:00"));
+  EXPECT_EQ((std::vector<std::string>{std::string("0 10 * * *") + kTask}), root.crontabLines());
+}
+
+TEST_F(PushSettingTest, RemovingDeletesEveryStaleTaskAndLogsNothingWithoutOne) {
+  EXPECT_EQ(0, push->removePushSchedule());
+  EXPECT_TRUE(entries().empty());
+  addStaleTask(1, 0);
+  addStaleTask(2, 30);
+  EXPECT_EQ(0, push->setTransferType(4));
+  EXPECT_TRUE(root.crontabLines().empty());
+  EXPECT_EQ((std::vector<std::string>{"4 CDR: push task deleted successfully",
+                                      "4 CDR: push task deleted successfully"}),
+            entries());
+}
+
+TEST_F(PushSettingTest, RefusedCreationThrowsWithTheOldTaskAlreadyGone) {
+  setText("TranTime", "10:00");
+  addStaleTask(1, 0);
+  root.setFault("sched-set", "", "", "", 0x200011);
+  EXPECT_THROW(push->setTransferType(0), CFG_WriteError);
+  EXPECT_TRUE(root.crontabLines().empty());
+  EXPECT_EQ((std::vector<uint8_t>{0}), byteEntry("TransferType"));
+  EXPECT_EQ((std::vector<std::string>{
+                "4 CDR: push task deleted successfully",
+                "1 CDR: schedule push task failed, PUSH_DAILY: Time=10:00 , rc=2097169"}),
+            entries());
+}
+
+TEST_F(PushSettingTest, RefusedLastDeletionThrowsAndKeepsTheTask) {
+  addStaleTask(1, 0);
+  root.setFault("sched-delete", "", "", "", 0x200011);
+  EXPECT_THROW(push->setTransferType(3), CFG_WriteError);
+  EXPECT_EQ((std::vector<std::string>{std::string("0 1 * * *") + kTask}), root.crontabLines());
+  std::vector<std::string> lines = entries();
+  ASSERT_EQ(2u, lines.size());
+  // Only the first sentence of the failure line is written.
+  EXPECT_EQ(0u, lines[0].find("1 CDR: delete push task failed, rc="));
+  EXPECT_EQ(',', lines[0].back());
+  EXPECT_EQ(std::string::npos, lines[0].find("Time="));
+  EXPECT_EQ("1 CDR: push task Unsuccessful delete", lines[1]);
+}
+
+TEST_F(PushSettingTest, PushFileNowCountsEveryRun) {
+  unsigned int first = push->PushFileNow();
+  EXPECT_EQ(first + 1, push->PushFileNow());
+  EXPECT_EQ(first + 2, push->PushFileNow());
+}
+
+// ---- Registry restore ----------------------------------------------------------
+
+// Runs the zpo command on this test's state directory.
+int zpo(const zpotest::TempZpoRoot& root, const std::string& arguments) {
+  std::string command = root.zpoCommand() + " --root " + root.path() + " " + arguments + " >/dev/null 2>&1";
+  return std::system(command.c_str());
+}
+
+bool waitFor(const std::function<bool()>& condition) {
+  for (int i = 0; i < 500; ++i) {
+    if (condition()) return true;
+    std::this_thread::sleep_for(std::chrono::milliseconds(10));
+  }
+  return condition();
+}
+
+TEST_F(PushSettingTest, RestoreReArmsTheScheduleFromTheRestoredSettings) {
+  setByte("TransferType", 1);
+  setText("TranDateOfWeek", "3");
+  setText("TranTime", "8:30");
+  std::string backup = root.path() + "/push-backup.db";
+  ASSERT_EQ(0, zpo(root, "reg backup " + backup));
+
+  EXPECT_EQ(0, push->setTransferType(0));
+  EXPECT_EQ(0, push->setTransferTime("9:15"));
+  ASSERT_EQ((std::vector<std::string>{std::string("15 9 * * *") + kTask}), root.crontabLines());
+
+  ASSERT_EQ(0, zpo(root, "reg restore " + backup));
+  const std::string weekly = std::string("30 8 * * 3") + kTask;
+  ASSERT_TRUE(waitFor([&] { return root.crontabLines() == std::vector<std::string>{weekly}; }));
+  ASSERT_TRUE(waitFor([&] {
+    return !entries().empty() &&
+           entries().back() == "4 CDR: push task scheduled successfully, PUSH_WEEKLY: DayOfWeek=3, Time=08:30 ";
+  }));
+  EXPECT_EQ(1, transferType());
+}
+
+TEST_F(PushSettingTest, RestoreWithoutScheduledTypeRemovesTheTask) {
+  setByte("TransferType", 4);
+  std::string backup = root.path() + "/push-backup.db";
+  ASSERT_EQ(0, zpo(root, "reg backup " + backup));
+  EXPECT_EQ(0, push->setTransferType(2));
+  ASSERT_EQ(1u, root.crontabLines().size());
+
+  ASSERT_EQ(0, zpo(root, "reg restore " + backup));
+  ASSERT_TRUE(waitFor([&] { return root.crontabLines().empty(); }));
+}
+
+TEST_F(PushSettingTest, RestoreWithoutTransferTypeReturnsTheReadStatusAndKeepsTheTask) {
+  addStaleTask(1, 0);
+  EXPECT_EQ(0x20000D, push->RestoreCallBackHdlr(2));
+  EXPECT_EQ(1u, root.crontabLines().size());
+  EXPECT_TRUE(entries().empty());
+  EXPECT_FALSE(has("TransferType"));
+}
+
+}  // namespace
