@@ -163,8 +163,9 @@ private:
     bool isKeyword(const char* word, size_t ahead = 0) const {
         return peek(ahead).kind == TokenKind::Identifier && namesEqual(peek(ahead).text, word);
     }
-    [[noreturn]] void fail(const std::string& what) const {
-        throw MofError(sourceName_ + ":" + std::to_string(peek().line) + ": " + what);
+    [[noreturn]] void fail(const std::string& what) const { failAt(peek().line, what); }
+    [[noreturn]] void failAt(int line, const std::string& what) const {
+        throw MofError(sourceName_ + ":" + std::to_string(line) + ": " + what);
     }
     void expectPunct(const char* p) {
         if (!isPunct(p)) fail(std::string("expected '") + p + "' but found '" + peek().text + "'");
@@ -383,6 +384,7 @@ private:
         } else {
             type = parseDataType();
         }
+        int nameLine = peek().line;
         std::string name = expectIdentifier("a property or method name");
         if (isPunct("(")) {
             next();
@@ -398,7 +400,7 @@ private:
             }
             expectPunct(")");
             expectPunct(";");
-            if (cls.findMethod(m.name)) fail("method " + m.name + " defined twice");
+            if (cls.findMethod(m.name)) failAt(nameLine, "method " + m.name + " defined twice");
             cls.methods.push_back(std::move(m));
             return;
         }
@@ -414,7 +416,7 @@ private:
             p.defaultValue = toTextValue(parseValue());
         }
         expectPunct(";");
-        if (cls.findProperty(p.name)) fail("property " + p.name + " defined twice");
+        if (cls.findProperty(p.name)) failAt(nameLine, "property " + p.name + " defined twice");
         cls.properties.push_back(std::move(p));
     }
 
@@ -423,6 +425,7 @@ private:
         cls.qualifiers = parseQualifierList();
         if (!isKeyword("class")) fail("expected class, Qualifier or #pragma but found '" + peek().text + "'");
         next();
+        int nameLine = peek().line;
         cls.name = expectIdentifier("a class name");
         if (isPunct(":")) {
             next();
@@ -437,7 +440,7 @@ private:
         expectPunct("}");
         expectPunct(";");
         if (!cls.superClass.empty()) inheritFeatures(cls);
-        if (repository_.findClass(cls.name)) fail("class " + cls.name + " defined twice");
+        if (repository_.findClass(cls.name)) failAt(nameLine, "class " + cls.name + " defined twice");
         repository_.addClass(std::move(cls));
     }
 

@@ -1,0 +1,130 @@
+// Test support: runs cimhost as a child process on a free port, and runs
+// shell commands capturing their output.
+#pragma once
+
+#include <signal.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <stdexcept>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace cimhost::test {
+
+inline std::string readFile(const std::string& path) {
+    std::ifstream in(path, std::ios::binary);
+    std::ostringstream text;
+    text << in.rdbuf();
+    return text.str();
+}
+
+// A fresh directory under the system's temporary directory, removed again.
+class TempDir {
+public:
+    TempDir() {
+        std::string pattern = (std::filesystem::temp_directory_path() / "cimhost-test-XXXXXX").string();
+        if (!mkdtemp(pattern.data())) throw std::runtime_error("mkdtemp failed");
+        path_ = pattern;
+    }
+    ~TempDir() {
+        std::error_code ignored;
+        std::filesystem::remove_all(path_, ignored);
+    }
+    const std::string& path() const { return path_; }
+    std::string file(const std::string& name) const { return path_ + "/" + name; }
+
+private:
+    std::string path_;
+};
+
+struct CommandResult {
+    int exitCode = -1;
+    std::string out;
+    std::string err;
+};
+
+// Runs `command` with /bin/sh; stdout and stderr are captured separately.
+inline CommandResult runCommand(const std::string& command, const TempDir& scratch) {
+    std::string outFile = scratch.file("command.out");
+    std::string errFile = scratch.file("command.err");
+    int status = std::system(("(" + command + ") >" + outFile + " 2>" + errFile).c_str());
+    CommandResult result;
+    result.exitCode = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    result.out = readFile(outFile);
+    result.err = readFile(errFile);
+    return result;
+}
+
+// cimhost listening on 127.0.0.1 on a port it picked itself; stopped with
+// SIGTERM by the destructor.
+class HostProcess {
+public:
+    HostProcess(const std::string& binary, std::vector<std::string> arguments, const std::string& logPath)
+        : logPath_(logPath) {
+        arguments.insert(arguments.begin(), binary);
+        arguments.push_back("--listen");
+        arguments.push_back("127.0.0.1:0");
+        arguments.push_back("--log");
+        arguments.push_back(logPath);
+        pid_ = fork();
+        if (pid_ == 0) {
+            std::vector<char*> argv;
+            for (std::string& a : arguments) argv.push_back(a.data());
+            argv.push_back(nullptr);
+            execv(binary.c_str(), argv.data());
+            _exit(127);
+        }
+        auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(20);
+        while (std::chrono::steady_clock::now() < deadline) {
+            std::string log = readFile(logPath_);
+            size_t at = log.find("listening on 127.0.0.1:");
+            if (at != std::string::npos) {
+                port_ = std::atoi(log.c_str() + at + std::string("listening on 127.0.0.1:").size());
+                return;
+            }
+            int status = 0;
+            if (waitpid(pid_, &status, WNOHANG) == pid_) {
+                exitCode_ = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+                pid_ = -1;
+                return;
+            }
+            std::this_thread::sleep_for(std::chrono::milliseconds(20));
+        }
+    }
+    ~HostProcess() { stop(); }
+    HostProcess(const HostProcess&) = delete;
+    HostProcess& operator=(const HostProcess&) = delete;
+
+    bool running() const { return pid_ > 0 && port_ > 0; }
+    int port() const { return port_; }
+    std::string log() const { return readFile(logPath_); }
+    // Exit code once stopped (or when it failed to start), else -1.
+    int exitCode() const { return exitCode_; }
+
+    int stop() {
+        if (pid_ > 0) {
+            kill(pid_, SIGTERM);
+            int status = 0;
+            waitpid(pid_, &status, 0);
+            exitCode_ = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+            pid_ = -1;
+        }
+        return exitCode_;
+    }
+
+private:
+    std::string logPath_;
+    pid_t pid_ = -1;
+    int port_ = 0;
+    int exitCode_ = -1;
+};
+
+}  // namespace cimhost::test
