@@ -1,0 +1,13 @@
+#ifndef OW_NOSUCHPROPERTYEXCEPTION_HPP_INCLUDE_GUARD_
+#define OW_NOSUCHPROPERTYEXCEPTION_HPP_INCLUDE_GUARD_
+#include "OW_config.h"
+#include "OW_Exception.hpp"
+
+namespace OW_NAMESPACE
+{
+
+OW_DECLARE_APIEXCEPTION(NoSuchProperty, OW_COMMON_API)
+
+} // end namespace OW_NAMESPACE
+
+#endif
