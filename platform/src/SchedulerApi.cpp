@@ -96,7 +96,8 @@ ZpoStatus ZpoGetScheduledTaskList(const char* path, ZpoScheduledTaskList** head,
   const ZpoStatus status = zpo::withProcessStore(
       [&](zpo::RegistryStore& store) { return store.listTasks(path, &tasks); });
   if (status != ZPO_OK) return status;
-  ZpoScheduledTaskList** link = head;
+  // `next` sits at offset 324, not pointer-aligned: set it only through the member.
+  ZpoScheduledTaskList* last = nullptr;
   for (const zpo::TaskRow& task : tasks) {
     auto* entry = static_cast<ZpoScheduledTaskList*>(std::calloc(1, sizeof(ZpoScheduledTaskList)));
     if (entry == nullptr) {
@@ -110,8 +111,12 @@ ZpoStatus ZpoGetScheduledTaskList(const char* path, ZpoScheduledTaskList** head,
     formatDayText(task.dayOfMonth, entry->info.dayOfMonth);
     formatDayText(task.dayOfWeek, entry->info.dayOfWeek);
     entry->info.month = task.month;
-    *link = entry;
-    link = &entry->next;
+    if (last == nullptr) {
+      *head = entry;
+    } else {
+      last->next = entry;
+    }
+    last = entry;
   }
   return ZPO_OK;
 }
