@@ -31,7 +31,6 @@ void writeTextValue(XmlWriter& xml, const TextValue& value) {
     xml.end("VALUE.ARRAY");
 }
 
-std::string flag(bool value) { return value ? "true" : "false"; }
 
 void writeDefinedQualifier(XmlWriter& xml, const Qualifier& q) {
     xml.start("QUALIFIER", {{"NAME", q.name}, {"TYPE", q.type}});

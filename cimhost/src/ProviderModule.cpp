@@ -8,6 +8,14 @@
 #include <OW_LogMessage.hpp>
 #if __has_include(<OW_RepositoryIFC.hpp>)
 #include <OW_RepositoryIFC.hpp>
+#else
+namespace OW_NAMESPACE {
+// The API subset declares RepositoryIFC without defining it. The host has
+// no repository, so its repository references are always null and these
+// are never called; they only let a null reference be returned.
+inline void IntrusiveReferenceAddRef(RepositoryIFC*) {}
+inline void IntrusiveReferenceRelease(RepositoryIFC*) {}
+}  // namespace OW_NAMESPACE
 #endif
 #include <OW_config.h>
 
