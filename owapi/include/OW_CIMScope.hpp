@@ -35,7 +35,7 @@ public:
 	bool operator<(const CIMScope& arg) const { return m_val < arg.m_val; }
 	/// The MOF keyword, e.g. "property"; "BAD SCOPE" when invalid.
 	String toString() const;
-	String toMOF() const { return toString(); }
+	String toMOF() const;
 private:
 	Scope m_val;
 };

@@ -6,6 +6,7 @@
 #include "OW_CIMName.hpp"
 #include "OW_String.hpp"
 #include "OW_Array.hpp"
+#include "OW_Bool.hpp"
 #include "OW_CIMNULL.hpp"
 
 namespace OW_NAMESPACE
@@ -24,7 +25,7 @@ public:
 	CIMValue(const CIMValue& x);
 	virtual ~CIMValue();
 	explicit CIMValue(bool x);
-	explicit CIMValue(const Bool& x);
+	explicit CIMValue(Bool x);
 	explicit CIMValue(UInt8 x);
 	explicit CIMValue(Int8 x);
 	explicit CIMValue(UInt16 x);

@@ -73,6 +73,7 @@ String CIMFlavor::toString() const
 }
 
 String CIMFlavor::toMOF() const { return toString(); }
+String CIMScope::toMOF() const { return toString(); }
 
 String CIMScope::toString() const
 {

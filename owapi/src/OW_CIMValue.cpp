@@ -335,7 +335,7 @@ CIMValue::CIMValue(CIMNULL_t) {}
 CIMValue::CIMValue(const CIMValue& x) : CIMBase(), m_impl(x.m_impl) {}
 CIMValue::~CIMValue() {}
 CIMValue::CIMValue(bool x) : m_impl(makeScalar(Bool(x))) {}
-CIMValue::CIMValue(const Bool& x) : m_impl(makeScalar(x)) {}
+CIMValue::CIMValue(Bool x) : m_impl(makeScalar(x)) {}
 CIMValue::CIMValue(UInt8 x) : m_impl(makeScalar(x)) {}
 CIMValue::CIMValue(Int8 x) : m_impl(makeScalar(x)) {}
 CIMValue::CIMValue(UInt16 x) : m_impl(makeScalar(x)) {}

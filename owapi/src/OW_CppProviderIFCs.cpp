@@ -5,6 +5,7 @@
 #include "OW_ProviderEnvironmentIFC.hpp"
 #include "OW_ProviderRegistrationEnvironmentIFC.hpp"
 #include "OW_CIMOMHandleIFC.hpp"
+#include "OW_RepositoryIFC.hpp"
 #include "OW_CIMInstance.hpp"
 #include "OW_CIMObjectPath.hpp"
 #include "OW_CIMValue.hpp"
@@ -14,6 +15,7 @@ namespace OW_NAMESPACE
 {
 
 CIMOMHandleIFC::~CIMOMHandleIFC() {}
+RepositoryIFC::~RepositoryIFC() {}
 ProviderEnvironmentIFC::~ProviderEnvironmentIFC() {}
 ProviderRegistrationEnvironmentIFC::~ProviderRegistrationEnvironmentIFC() {}
 
