@@ -225,11 +225,13 @@ TEST_F(PullStatisticsTest, ModifyWritesOnlyTheMetricsFlag) {
   for (const Row& row : rows) {
     CIMError error = modify({{"NumberOfFailedTransfers", OW::CIMValue(OW::UInt32(0))},
                              {"ReasonForFailure", OW::CIMValue(OW::String("none"))},
-                             {"includemetricsflag", OW::CIMValue(false)},
                              {"IncludeMetricsFlag", row.value}});
     EXPECT_FALSE(error.thrown);
     EXPECT_EQ(row.stored, entry("CDRPull", "Pull-IncludeMetricsFlag"));
   }
+  // The name is compared exactly.
+  EXPECT_FALSE(modify({{"includemetricsflag", OW::CIMValue(false)}}).thrown);
+  EXPECT_EQ((std::vector<uint8_t>{1}), entry("CDRPull", "Pull-IncludeMetricsFlag"));
   EXPECT_EQ(counterBytes(2), entry("CDRPull", "Pull-NumFailures"));
   EXPECT_EQ("Connection refused", storedText("Pull-MostRecentFailureReason"));
 }
