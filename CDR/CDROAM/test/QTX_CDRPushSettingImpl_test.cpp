@@ -78,7 +78,6 @@ struct ReadCycle {
 template <class T>
 std::string shown(const T& v) { return std::to_string(v); }
 std::string shown(const std::string& v) { return v; }
-std::string shown(bool v) { return v ? "true" : "false"; }
 
 ReadCycle readAll(const QTX_CDRPushSettingImpl& push) {
   ReadCycle cycle;
@@ -205,6 +204,7 @@ TEST_F(PushSettingTest, FailedReadsAreLoggedGiveTheirFallbackAndThrow) {
   root.setFault("reg-read", "CDR", "CDRPush", "NumRetry", kFault);
   root.setFault("reg-read", "CDR", "CDRPush", "DeleteFlag", kFault);
   root.setFault("reg-read", "CDR", "CDRPush", "IpAddr", kFault);
+  transferType();
   Qualifiers q;
   unsigned int retries = 0;
   EXPECT_THROW(push->getNumRetry(retries, q), CFG_ReadError);
@@ -270,6 +270,7 @@ TEST_F(PushSettingTest, FlagsAreStoredAsOneAndReadTrueForAnyNonZeroByte) {
   EXPECT_EQ(0, push->setIncludeMetricsFlag(true));
   EXPECT_EQ((std::vector<uint8_t>{1}), byteEntry("IncludeMetricsFlag"));
   setByte("DeleteFlag", 2);
+  transferType();
   bool flag = false;
   Qualifiers q;
   push->getDeleteFlag(flag, q);
@@ -432,6 +433,7 @@ TEST_F(PushSettingTest, RestoreReArmsTheScheduleFromTheRestoredSettings) {
 
 TEST_F(PushSettingTest, RestoreWithoutScheduledTypeRemovesTheTask) {
   setByte("TransferType", 4);
+  setText("TranDateOfMonth", "5");
   std::string backup = root.path() + "/push-backup.db";
   ASSERT_EQ(0, zpo(root, "reg backup " + backup));
   EXPECT_EQ(0, push->setTransferType(2));
@@ -439,6 +441,9 @@ TEST_F(PushSettingTest, RestoreWithoutScheduledTypeRemovesTheTask) {
 
   ASSERT_EQ(0, zpo(root, "reg restore " + backup));
   ASSERT_TRUE(waitFor([&] { return root.crontabLines().empty(); }));
+  ASSERT_TRUE(waitFor([&] {
+    return !entries().empty() && entries().back() == "4 CDR: push task deleted successfully";
+  }));
 }
 
 TEST_F(PushSettingTest, RestoreWithoutTransferTypeReturnsTheReadStatusAndKeepsTheTask) {
