@@ -153,44 +153,20 @@ TEST_F(PushSettingTest, MissingEntriesAreCreatedWithTheirDefaults) {
   EXPECT_EQ("2 ControlCharacters Found in PDR:Push-IpAddr", lines.at(0));
 }
 
-TEST_F(PushSettingTest, EachDayAppliesOnlyToItsOwnTransferType) {
-  setText("TranDateOfMonth", "15");
-  setText("TranDateOfWeek", "3");
-  struct Row { uint8_t type; const char* month; const char* week; } rows[] = {
-      {2, "15", "untouched"}, {1, "untouched", "3"}, {0, "untouched", "untouched"}};
-  for (const Row& row : rows) {
-    setByte("TransferType", row.type);
-    ReadCycle cycle = readAll(*push);
-    EXPECT_EQ(row.month, cycle.values["TransferDayOfMonth"]) << int(row.type);
-    EXPECT_EQ(row.week, cycle.values["TransferDayOfWeek"]) << int(row.type);
-    EXPECT_EQ(row.type == 2 ? "true" : "false", cycle.applicable["TransferDayOfMonth"]);
-    EXPECT_EQ(row.type == 1 ? "true" : "false", cycle.applicable["TransferDayOfWeek"]);
-  }
-}
-
 TEST_F(PushSettingTest, ControlCharactersReadAsTheDefaultAndAreReported) {
-  struct Row { uint8_t type; const char* key; const char* stored; const char* read; const char* entry; }
+  struct Row { uint8_t type; const char* key; const char* property; const char* stored; const char* read; }
   rows[] = {
-      {0, "IpAddr", "10.0.0.1\t", "", "Push-IpAddr"},
-      {0, "UserName", "bob\n", "", "Push-UserName"},
-      {0, "TranTime", "10:\x01" "00", "00:00", "Push-TranTime"},
-      {2, "TranDateOfMonth", "1\r", "", "Push-TranDateOfMonth"},
+      {0, "IpAddr", "IPAddress", "10.0.0.1\t", ""},
+      {0, "TranTime", "TransferTime", "10:\x01" "00", "00:00"},
+      {2, "TranDateOfMonth", "TransferDayOfMonth", "1\r", ""},
   };
   for (const Row& row : rows) {
     setByte("TransferType", row.type);
     setText(row.key, row.stored);
-    size_t before = entries().size();
-    ReadCycle cycle = readAll(*push);
-    std::string name = std::string(row.key) == "IpAddr" ? "IPAddress"
-                       : std::string(row.key) == "TranTime" ? "TransferTime"
-                       : std::string(row.key) == "TranDateOfMonth" ? "TransferDayOfMonth"
-                                                                   : row.key;
-    EXPECT_EQ(row.read, cycle.values[name]) << row.key;
+    EXPECT_EQ(row.read, readAll(*push).values[row.property]) << row.key;
     std::vector<std::string> lines = entries();
-    std::vector<std::string> added(lines.begin() + before, lines.end());
-    EXPECT_NE(added.end(), std::find(added.begin(), added.end(),
-                                     std::string("2 ControlCharacters Found in PDR:") + row.entry))
-        << row.key;
+    EXPECT_NE(lines.end(), std::find(lines.begin(), lines.end(),
+                                     std::string("2 ControlCharacters Found in PDR:Push-") + row.key));
     EXPECT_EQ(row.stored, text(row.key));  // the registry keeps the bad value
   }
 }
@@ -265,18 +241,6 @@ TEST_F(PushSettingTest, NumRetryKeepsOnlyItsLowByte) {
   EXPECT_EQ("255", readAll(*push).values["NumRetry"]);
 }
 
-TEST_F(PushSettingTest, FlagsAreStoredAsOneAndReadTrueForAnyNonZeroByte) {
-  setByte("TransferType", 0);
-  EXPECT_EQ(0, push->setIncludeMetricsFlag(true));
-  EXPECT_EQ((std::vector<uint8_t>{1}), byteEntry("IncludeMetricsFlag"));
-  setByte("DeleteFlag", 2);
-  transferType();
-  bool flag = false;
-  Qualifiers q;
-  push->getDeleteFlag(flag, q);
-  EXPECT_TRUE(flag);
-}
-
 TEST_F(PushSettingTest, FailedWritesAreLoggedAndThrow) {
   const uint32_t kFault = 0x200011;
   root.setFault("reg-write", "CDR", "CDRPush", "", kFault);
@@ -323,30 +287,6 @@ TEST_F(PushSettingTest, EachTransferTypeArmsOrRemovesTheOneTask) {
     EXPECT_EQ(expected, added) << int(row.type);
     if (row.scheduled) push->removePushSchedule();
   }
-}
-
-TEST_F(PushSettingTest, ArmingCreatesMissingTimeAndDay) {
-  EXPECT_EQ(0, push->setTransferType(1));
-  EXPECT_EQ("00:00", text("TranTime"));
-  EXPECT_EQ("", text("TranDateOfWeek"));
-  EXPECT_FALSE(has("TranDateOfMonth"));
-  EXPECT_EQ((std::vector<std::string>{std::string("0 0 * * 7") + kTask}), root.crontabLines());
-}
-
-TEST_F(PushSettingTest, TimeAndDaySettersReArmWhateverTheType) {
-  setByte("TransferType", 1);
-  transferType();
-  EXPECT_EQ(0, push->setTransferDayOfWeek("3"));
-  EXPECT_EQ(0, push->setTransferTime("8:30"));
-  EXPECT_EQ((std::vector<std::string>{std::string("30 8 * * 3") + kTask}), root.crontabLines());
-  EXPECT_EQ(0, push->setTransferDayOfWeek("5"));  // keeps the time set before
-  EXPECT_EQ((std::vector<std::string>{std::string("30 8 * * 5") + kTask}), root.crontabLines());
-  EXPECT_EQ("4 CDR: push task scheduled successfully, PUSH_WEEKLY: DayOfWeek=5, Time=08:30 ",
-            entries().back());
-
-  EXPECT_EQ(0, push->setTransferType(4));
-  EXPECT_EQ(0, push->setTransferTime("10:00"));
-  EXPECT_EQ((std::vector<std::string>{std::string("0 10 * * *") + kTask}), root.crontabLines());
 }
 
 TEST_F(PushSettingTest, RemovingDeletesEveryStaleTaskAndLogsNothingWithoutOne) {
@@ -429,21 +369,6 @@ TEST_F(PushSettingTest, RestoreReArmsTheScheduleFromTheRestoredSettings) {
            entries().back() == "4 CDR: push task scheduled successfully, PUSH_WEEKLY: DayOfWeek=3, Time=08:30 ";
   }));
   EXPECT_EQ(1, transferType());
-}
-
-TEST_F(PushSettingTest, RestoreWithoutScheduledTypeRemovesTheTask) {
-  setByte("TransferType", 4);
-  setText("TranDateOfMonth", "5");
-  std::string backup = root.path() + "/push-backup.db";
-  ASSERT_EQ(0, zpo(root, "reg backup " + backup));
-  EXPECT_EQ(0, push->setTransferType(2));
-  ASSERT_EQ(1u, root.crontabLines().size());
-
-  ASSERT_EQ(0, zpo(root, "reg restore " + backup));
-  ASSERT_TRUE(waitFor([&] { return root.crontabLines().empty(); }));
-  ASSERT_TRUE(waitFor([&] {
-    return !entries().empty() && entries().back() == "4 CDR: push task deleted successfully";
-  }));
 }
 
 TEST_F(PushSettingTest, RestoreWithoutTransferTypeReturnsTheReadStatusAndKeepsTheTask) {
