@@ -1,6 +1,10 @@
 #include "CDRTestSupport.hpp"
 
 #include "OW_LogMessage.hpp"
+#include "OW_CIMOMHandleIFC.hpp"
+#include "OW_RepositoryIFC.hpp"
+
+#include <stdexcept>
 
 namespace cdrtest {
 
