@@ -71,7 +71,14 @@ void releaseCDROAMInstances() {
   if (CDROAMWrap::globalPtr != 0) delete CDROAMWrap::globalPtr;
 }
 
+// Runs on the platform's notification thread: nothing may escape from it.
 void C_RestoreCallBackHdlr(unsigned long value) {
-  if (gCDRPushInstance != 0) gCDRPushInstance->RestoreCallBackHdlr(value);
+  if (gCDRPushInstance == 0) return;
+  try {
+    gCDRPushInstance->RestoreCallBackHdlr(value);
+  } catch (...) {
+    // The failure is already in the diagnostic log; the schedule stays as
+    // the scheduler left it.
+  }
 }
 }

@@ -410,7 +410,7 @@ int QTX_CDRPushSettingImpl::removePushSchedule() {
   }
   if (head != 0) ZpoDeallocateScheduledTaskList(head);
   if (result != 0) {
-    cdrLog(kScheduleFailedLevel, "CDR: push task Unsuccessful delete");
+    cdrLog(kScheduleDoneLevel, "CDR: push task Unsuccessful delete");
     throw CFG_WriteError();
   }
   return CDR_STATUS_OK;

@@ -325,7 +325,7 @@ TEST_F(PushSettingTest, RefusedLastDeletionThrowsAndKeepsTheTask) {
   EXPECT_EQ(0u, lines[0].find("1 CDR: delete push task failed, rc="));
   EXPECT_EQ(',', lines[0].back());
   EXPECT_EQ(std::string::npos, lines[0].find("Time="));
-  EXPECT_EQ("1 CDR: push task Unsuccessful delete", lines[1]);
+  EXPECT_EQ("4 CDR: push task Unsuccessful delete", lines[1]);
 }
 
 TEST_F(PushSettingTest, PushFileNowCountsEveryRun) {
