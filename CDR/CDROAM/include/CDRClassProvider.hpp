@@ -105,7 +105,6 @@ int cdrWriteProperty(C& object, const OW_NAMESPACE::CIMValue& value, const char*
   return (object.*Setter)(converted);
 }
 
-#define CDR_TABLE_SIZE(table) (sizeof(table) / sizeof((table)[0]))
 
 // ---- The skeleton ---------------------------------------------------------
 
@@ -351,6 +350,57 @@ class CDRClassProvider : public OW_NAMESPACE::CppMethodProviderIFC,
   }                                                                                          \
   C* get##C##WithCIMInstance(const OW_NAMESPACE::CIMInstance& instance) {                    \
     return getWithCIMInstance(instance);                                                     \
+  }
+
+// Declares the traits of class C's provider (KEY_COUNT key properties), the
+// provider class CProvider with its per-class names, and the module-level
+// provider object CProv and class name CName (both defined with the
+// provider entry).
+#define CDR_DECLARE_CLASS_PROVIDER(C, KEY_COUNT)                              \
+  struct C##ProviderTraits {                                                 \
+    typedef C Object;                                                        \
+    typedef C##ImplInstanceManager ImplManager;                              \
+    static const char* const className;                                      \
+    static const char* const sourcePath;                                     \
+    static const CDRProviderLines& lines;                                    \
+    static const size_t keyCount = KEY_COUNT;                                \
+    static const CDRKeyProperty<Object> keys[keyCount];                      \
+    static const size_t propertyCount;                                       \
+    static const CDRPropertyReader<Object>* const properties;                \
+    static const size_t writableCount;                                       \
+    static const CDRPropertyWriter<Object>* const writable;                  \
+    static const size_t methodCount;                                         \
+    static const CDRMethod<Object>* const methods;                           \
+    static Object* lookup(const std::string* keys);                          \
+    static Object* create(const std::string* keys);                          \
+    static void destroy(Object* object);                                     \
+  };                                                                         \
+  class C##Provider : public CDRClassProvider<C##ProviderTraits> {           \
+   public:                                                                   \
+    CDR_PROVIDER_CONVERSIONS(C)                                              \
+  };                                                                         \
+  extern C##Provider C##Prov;                                                \
+  extern const char* const C##Name;
+
+// Defines a traits table member and its count from a local array, or as
+// empty with CDR_EMPTY_TABLE.
+#define CDR_DEFINE_PROVIDER_TABLE(C, MEMBER, COUNT, TYPE, ARRAY)             \
+  const TYPE<C>* const C##ProviderTraits::MEMBER = ARRAY;                    \
+  const size_t C##ProviderTraits::COUNT = sizeof(ARRAY) / sizeof(TYPE<C>);
+#define CDR_DEFINE_EMPTY_PROVIDER_TABLE(C, MEMBER, COUNT, TYPE)              \
+  const TYPE<C>* const C##ProviderTraits::MEMBER = 0;                        \
+  const size_t C##ProviderTraits::COUNT = 0;
+
+// The instance-manager calls of a class with one key.
+#define CDR_DEFINE_SINGLE_KEY_MANAGER_CALLS(C)                               \
+  C* C##ProviderTraits::lookup(const std::string* k) {                       \
+    return C::getInstanceManager()->get(k[0]);                               \
+  }                                                                          \
+  C* C##ProviderTraits::create(const std::string* k) {                       \
+    return C::getInstanceManager()->create##C(k[0]);                         \
+  }                                                                          \
+  void C##ProviderTraits::destroy(C* object) {                               \
+    C::getInstanceManager()->destroy##C(object);                             \
   }
 
 #endif

@@ -13,7 +13,7 @@ const CDRKeyProperty<S> QTX_CDRPullStatisticsProviderTraits::keys[] = {
 };
 
 // The order in which an instance is filled: the metrics flag comes third.
-const CDRPropertyReader<S> QTX_CDRPullStatisticsProviderTraits::properties[] = {
+const CDRPropertyReader<S> kProperties[] = {
     {"Name", &cdrReadProperty<S, std::string, &S::getName>},
     {"MostRecentSuccessfulTransfer",
      &cdrReadProperty<S, std::string, &S::getMostRecentSuccessfulTransfer>},
@@ -30,23 +30,16 @@ const CDRPropertyReader<S> QTX_CDRPullStatisticsProviderTraits::properties[] = {
     {"TotalNumberOfFileTransferred",
      &cdrReadProperty<S, unsigned int, &S::getTotalNumberOfFileTransferred>},
 };
+CDR_DEFINE_PROVIDER_TABLE(QTX_CDRPullStatistics, properties, propertyCount, CDRPropertyReader, kProperties)
 
-const CDRPropertyWriter<S> QTX_CDRPullStatisticsProviderTraits::writable[] = {
+const CDRPropertyWriter<S> kWritable[] = {
     {"IncludeMetricsFlag", &cdrWriteProperty<S, bool, &S::setIncludeMetricsFlag>},
 };
+CDR_DEFINE_PROVIDER_TABLE(QTX_CDRPullStatistics, writable, writableCount, CDRPropertyWriter, kWritable)
 
-const CDRMethod<S> QTX_CDRPullStatisticsProviderTraits::methods[] = {
+const CDRMethod<S> kMethods[] = {
     {"Refresh", &S::Refresh},
 };
+CDR_DEFINE_PROVIDER_TABLE(QTX_CDRPullStatistics, methods, methodCount, CDRMethod, kMethods)
 
-S* QTX_CDRPullStatisticsProviderTraits::lookup(const std::string* k) {
-  return S::getInstanceManager()->get(k[0]);
-}
-
-S* QTX_CDRPullStatisticsProviderTraits::create(const std::string* k) {
-  return S::getInstanceManager()->createQTX_CDRPullStatistics(k[0]);
-}
-
-void QTX_CDRPullStatisticsProviderTraits::destroy(S* object) {
-  S::getInstanceManager()->destroyQTX_CDRPullStatistics(object);
-}
+CDR_DEFINE_SINGLE_KEY_MANAGER_CALLS(QTX_CDRPullStatistics)

@@ -13,31 +13,24 @@ const CDRKeyProperty<P> QTX_CDRPushSettingProviderTraits::keys[] = {
 
 // uint8, string, uint32 and boolean as the getters' value types give them.
 #define QTX_CDRPUSHSETTING_READER(N, T) {#N, &cdrReadProperty<P, T, &P::get##N>},
-const CDRPropertyReader<P> QTX_CDRPushSettingProviderTraits::properties[] = {
+const CDRPropertyReader<P> kProperties[] = {
     QTX_CDRPUSHSETTING_PROPERTIES(QTX_CDRPUSHSETTING_READER)
     {"InstanceID", &cdrReadProperty<P, std::string, &P::getInstanceID>},
 };
+CDR_DEFINE_PROVIDER_TABLE(QTX_CDRPushSetting, properties, propertyCount, CDRPropertyReader, kProperties)
 #undef QTX_CDRPUSHSETTING_READER
 
 // No checks here: the setters refuse a bad time or day themselves (301).
 #define QTX_CDRPUSHSETTING_WRITER(N, T) {#N, &cdrWriteProperty<P, T, &P::set##N>},
-const CDRPropertyWriter<P> QTX_CDRPushSettingProviderTraits::writable[] = {
+const CDRPropertyWriter<P> kWritable[] = {
     QTX_CDRPUSHSETTING_PROPERTIES(QTX_CDRPUSHSETTING_WRITER)
 };
+CDR_DEFINE_PROVIDER_TABLE(QTX_CDRPushSetting, writable, writableCount, CDRPropertyWriter, kWritable)
 #undef QTX_CDRPUSHSETTING_WRITER
 
-const CDRMethod<P> QTX_CDRPushSettingProviderTraits::methods[] = {
+const CDRMethod<P> kMethods[] = {
     {"PushFileNow", &P::PushFileNow},
 };
+CDR_DEFINE_PROVIDER_TABLE(QTX_CDRPushSetting, methods, methodCount, CDRMethod, kMethods)
 
-P* QTX_CDRPushSettingProviderTraits::lookup(const std::string* k) {
-  return P::getInstanceManager()->get(k[0]);
-}
-
-P* QTX_CDRPushSettingProviderTraits::create(const std::string* k) {
-  return P::getInstanceManager()->createQTX_CDRPushSetting(k[0]);
-}
-
-void QTX_CDRPushSettingProviderTraits::destroy(P* object) {
-  P::getInstanceManager()->destroyQTX_CDRPushSetting(object);
-}
+CDR_DEFINE_SINGLE_KEY_MANAGER_CALLS(QTX_CDRPushSetting)

@@ -30,25 +30,17 @@ const CDRKeyProperty<S> QTX_CDRPushStatisticsProviderTraits::keys[] = {
     {"Name", &S::getName},
 };
 
-const CDRPropertyReader<S> QTX_CDRPushStatisticsProviderTraits::properties[] = {
+const CDRPropertyReader<S> kProperties[] = {
     {"Name", &cdrReadProperty<S, std::string, &S::getName>},
     {"LastTransferTime", &readLastTransferTime},
 };
+CDR_DEFINE_PROVIDER_TABLE(QTX_CDRPushStatistics, properties, propertyCount, CDRPropertyReader, kProperties)
 
-const CDRPropertyWriter<S>* const QTX_CDRPushStatisticsProviderTraits::writable = 0;
+CDR_DEFINE_EMPTY_PROVIDER_TABLE(QTX_CDRPushStatistics, writable, writableCount, CDRPropertyWriter)
 
-const CDRMethod<S> QTX_CDRPushStatisticsProviderTraits::methods[] = {
+const CDRMethod<S> kMethods[] = {
     {"Refresh", &S::Refresh},
 };
+CDR_DEFINE_PROVIDER_TABLE(QTX_CDRPushStatistics, methods, methodCount, CDRMethod, kMethods)
 
-S* QTX_CDRPushStatisticsProviderTraits::lookup(const std::string* k) {
-  return S::getInstanceManager()->get(k[0]);
-}
-
-S* QTX_CDRPushStatisticsProviderTraits::create(const std::string* k) {
-  return S::getInstanceManager()->createQTX_CDRPushStatistics(k[0]);
-}
-
-void QTX_CDRPushStatisticsProviderTraits::destroy(S* object) {
-  S::getInstanceManager()->destroyQTX_CDRPushStatistics(object);
-}
+CDR_DEFINE_SINGLE_KEY_MANAGER_CALLS(QTX_CDRPushStatistics)

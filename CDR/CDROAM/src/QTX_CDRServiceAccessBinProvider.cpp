@@ -36,27 +36,19 @@ const CDRKeyProperty<A> QTX_CDRServiceAccessBinProviderTraits::keys[] = {
     {"InstanceID", &A::getInstanceID},
 };
 
-const CDRPropertyReader<A> QTX_CDRServiceAccessBinProviderTraits::properties[] = {
+const CDRPropertyReader<A> kProperties[] = {
     {"AccessBin", &cdrReadProperty<A, std::string, &A::getAccessBin>},
     {"SuppressBin", &cdrReadProperty<A, std::string, &A::getSuppressBin>},
     {"InstanceID", &cdrReadProperty<A, std::string, &A::getInstanceID>},
 };
+CDR_DEFINE_PROVIDER_TABLE(QTX_CDRServiceAccessBin, properties, propertyCount, CDRPropertyReader, kProperties)
 
-const CDRPropertyWriter<A> QTX_CDRServiceAccessBinProviderTraits::writable[] = {
+const CDRPropertyWriter<A> kWritable[] = {
     {"AccessBin", &writeAccessBin},
     {"SuppressBin", &writeSuppressBin},
 };
+CDR_DEFINE_PROVIDER_TABLE(QTX_CDRServiceAccessBin, writable, writableCount, CDRPropertyWriter, kWritable)
 
-const CDRMethod<A>* const QTX_CDRServiceAccessBinProviderTraits::methods = 0;
+CDR_DEFINE_EMPTY_PROVIDER_TABLE(QTX_CDRServiceAccessBin, methods, methodCount, CDRMethod)
 
-A* QTX_CDRServiceAccessBinProviderTraits::lookup(const std::string* k) {
-  return A::getInstanceManager()->get(k[0]);
-}
-
-A* QTX_CDRServiceAccessBinProviderTraits::create(const std::string* k) {
-  return A::getInstanceManager()->createQTX_CDRServiceAccessBin(k[0]);
-}
-
-void QTX_CDRServiceAccessBinProviderTraits::destroy(A* object) {
-  A::getInstanceManager()->destroyQTX_CDRServiceAccessBin(object);
-}
+CDR_DEFINE_SINGLE_KEY_MANAGER_CALLS(QTX_CDRServiceAccessBin)

@@ -27,25 +27,17 @@ const CDRKeyProperty<P> QTX_CDRServicePrefixBinProviderTraits::keys[] = {
     {"InstanceID", &P::getInstanceID},
 };
 
-const CDRPropertyReader<P> QTX_CDRServicePrefixBinProviderTraits::properties[] = {
+const CDRPropertyReader<P> kProperties[] = {
     {"PrefixBin", &cdrReadProperty<P, std::string, &P::getPrefixBin>},
     {"InstanceID", &cdrReadProperty<P, std::string, &P::getInstanceID>},
 };
+CDR_DEFINE_PROVIDER_TABLE(QTX_CDRServicePrefixBin, properties, propertyCount, CDRPropertyReader, kProperties)
 
-const CDRPropertyWriter<P> QTX_CDRServicePrefixBinProviderTraits::writable[] = {
+const CDRPropertyWriter<P> kWritable[] = {
     {"PrefixBin", &writePrefixBin},
 };
+CDR_DEFINE_PROVIDER_TABLE(QTX_CDRServicePrefixBin, writable, writableCount, CDRPropertyWriter, kWritable)
 
-const CDRMethod<P>* const QTX_CDRServicePrefixBinProviderTraits::methods = 0;
+CDR_DEFINE_EMPTY_PROVIDER_TABLE(QTX_CDRServicePrefixBin, methods, methodCount, CDRMethod)
 
-P* QTX_CDRServicePrefixBinProviderTraits::lookup(const std::string* k) {
-  return P::getInstanceManager()->get(k[0]);
-}
-
-P* QTX_CDRServicePrefixBinProviderTraits::create(const std::string* k) {
-  return P::getInstanceManager()->createQTX_CDRServicePrefixBin(k[0]);
-}
-
-void QTX_CDRServicePrefixBinProviderTraits::destroy(P* object) {
-  P::getInstanceManager()->destroyQTX_CDRServicePrefixBin(object);
-}
+CDR_DEFINE_SINGLE_KEY_MANAGER_CALLS(QTX_CDRServicePrefixBin)

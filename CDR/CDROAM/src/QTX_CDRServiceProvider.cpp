@@ -53,23 +53,26 @@ const CDRKeyProperty<S> QTX_CDRServiceProviderTraits::keys[] = {
 };
 
 #define QTX_CDRSERVICE_READER(N, T) {#N, &cdrReadProperty<S, T, &S::get##N>},
-const CDRPropertyReader<S> QTX_CDRServiceProviderTraits::properties[] = {
+const CDRPropertyReader<S> kProperties[] = {
     QTX_CDRSERVICE_PROPERTIES(QTX_CDRSERVICE_READER)
     {"SystemCreationClassName", &cdrReadProperty<S, std::string, &S::getSystemCreationClassName>},
     {"SystemName", &cdrReadProperty<S, std::string, &S::getSystemName>},
     {"CreationClassName", &cdrReadProperty<S, std::string, &S::getCreationClassName>},
     {"Name", &cdrReadProperty<S, std::string, &S::getName>},
 };
+CDR_DEFINE_PROVIDER_TABLE(QTX_CDRService, properties, propertyCount, CDRPropertyReader, kProperties)
 
 #define QTX_CDRSERVICE_WRITER(N, T) {#N, &writeSetting<T, &S::set##N>},
-const CDRPropertyWriter<S> QTX_CDRServiceProviderTraits::writable[] = {
+const CDRPropertyWriter<S> kWritable[] = {
     QTX_CDRSERVICE_PROPERTIES(QTX_CDRSERVICE_WRITER)
 };
+CDR_DEFINE_PROVIDER_TABLE(QTX_CDRService, writable, writableCount, CDRPropertyWriter, kWritable)
 
-const CDRMethod<S> QTX_CDRServiceProviderTraits::methods[] = {
+const CDRMethod<S> kMethods[] = {
     {"Refresh", &S::Refresh},
     {"ClipFile", &S::ClipFile},
 };
+CDR_DEFINE_PROVIDER_TABLE(QTX_CDRService, methods, methodCount, CDRMethod, kMethods)
 
 S* QTX_CDRServiceProviderTraits::lookup(const std::string* k) {
   return S::getInstanceManager()->get(k[0], k[1], k[2], k[3]);
