@@ -121,9 +121,17 @@ void HttpServer::installRoutes() {
             refuse(res, 400, "header-mismatch");
             return;
         }
+        std::string response;
+        try {
+            response = handler_.handle(request, user);
+        } catch (const InvalidRequest& e) {
+            log_.error("request from " + req.remote_addr + " is not valid: " + e.what());
+            refuse(res, 400, "request-not-valid");
+            return;
+        }
         res.status = 200;
         res.set_header("CIMOperation", "MethodResponse");
-        res.set_content(handler_.handle(request, user), kXmlContentType);
+        res.set_content(response, kXmlContentType);
     });
 }
 

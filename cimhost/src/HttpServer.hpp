@@ -21,7 +21,7 @@ class RequestHandler {
 public:
     virtual ~RequestHandler() = default;
     // Answers one parsed request with a complete CIM-XML response body.
-    // Must not throw.
+    // Throws only InvalidRequest, for parameters of the wrong form.
     virtual std::string handle(const CimRequest& request, const std::string& userName) = 0;
 };
 

@@ -107,6 +107,8 @@ std::string OperationDispatcher::handle(const CimRequest& request, const std::st
                         request.nameSpace};
         if (request.intrinsic) runIntrinsic(request, context, content);
         else runExtrinsic(request, context, content);
+    } catch (const InvalidRequest&) {
+        throw;  // a parameter of the wrong form: HTTP 400, not a CIM error
     } catch (const CIMException& e) {
         const char* description = e.getDescription();
         log_.error("CIM error " + std::to_string(e.getErrNo()) + " for " + request.methodName + " from " +

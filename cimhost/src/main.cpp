@@ -1,4 +1,6 @@
 // cimhost: serves a CIM provider module over CIM-XML/HTTP.
+#include <atomic>
+#include <chrono>
 #include <csignal>
 #include <cstdio>
 #include <iostream>
@@ -97,14 +99,22 @@ int main(int argc, char** argv) {
     log->info("listening on " + options.listenHost + ":" + std::to_string(port) + ", namespace " + options.nameSpace +
               (authenticator ? ", credentials required" : ""));
 
-    std::thread signalWaiter([&server, &log, stopSignals] {
+    // A signal may arrive before the server runs; stop() is repeated until
+    // serving has ended.
+    std::atomic<bool> serving{true};
+    std::thread signalWaiter([&server, &log, &serving, stopSignals] {
         int signal = 0;
         sigwait(&stopSignals, &signal);
         log->info(std::string("stopping on ") + (signal == SIGINT ? "SIGINT" : "SIGTERM"));
-        server.stop();
+        while (serving) {
+            server.stop();
+            std::this_thread::sleep_for(std::chrono::milliseconds(20));
+        }
     });
-    signalWaiter.detach();
     bool served = server.serve();
+    serving = false;
+    if (served) signalWaiter.join();
+    else signalWaiter.detach();
     module->shuttingDown(OpenWBEM::ProviderEnvironmentIFCRef(new HostProviderEnvironment(*log, "")));
     log->info("stopped");
     return served ? 0 : 1;

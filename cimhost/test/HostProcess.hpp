@@ -76,6 +76,9 @@ public:
         arguments.push_back(logPath);
         pid_ = fork();
         if (pid_ == 0) {
+            // The module prints progress traces on standard output.
+            FILE* traces = std::fopen((logPath + ".stdout").c_str(), "w");
+            if (traces) dup2(fileno(traces), STDOUT_FILENO);
             std::vector<char*> argv;
             for (std::string& a : arguments) argv.push_back(a.data());
             argv.push_back(nullptr);
