@@ -32,7 +32,7 @@ std::vector<Target> targets() {
                    [](const std::string& v) {
                        return modifyInstance("QTX_CDRService", serviceKeys(), "DigitsLimit", "uint16", v);
                    },
-                   [](std::mt19937& r) { return std::to_string(r() % 25); },
+                   [](std::mt19937& r) { return std::to_string(3 + r() % 22); },
                    [](const TempDir& scratch) -> std::optional<std::string> {
                        auto bytes = registryBinary("CDRService", "DIGITSLIMIT", scratch);
                        if (!bytes || bytes->size() != 2) return std::nullopt;
@@ -48,7 +48,7 @@ std::vector<Target> targets() {
                        [row](const TempDir& scratch) -> std::optional<std::string> {
                            auto table = registryBinary("CDRService", "PREFIX BIN", scratch);
                            if (!table || table->size() != 64) return std::nullopt;
-                           return binRowText(*table, row, 8);
+                           return binRowText(*table, row, 8, 8);
                        }});
     }
     for (int row : {1, 4}) {
@@ -57,11 +57,11 @@ std::vector<Target> targets() {
                            return modifyInstance("QTX_CDRServiceAccessBin", rowKeys("CDRServiceAccessBin_", row),
                                                  "AccessBin", "string", v);
                        },
-                       [](std::mt19937& r) { return digits(r, 6); },
+                       [](std::mt19937& r) { return digits(r, 5); },
                        [row](const TempDir& scratch) -> std::optional<std::string> {
                            auto table = registryBinary("CDRService", "ACCESS BIN", scratch);
                            if (!table || table->size() != 30) return std::nullopt;
-                           return binRowText(*table, row, 6);
+                           return binRowText(*table, row, 6, 5);
                        }});
     }
     all.push_back({"TransferTime",
@@ -140,8 +140,8 @@ TEST_F(CrashDurability, AnsweredModificationsSurviveSigkillAndNoEntryIsTorn) {
         auto prefix = registryBinary("CDRService", "PREFIX BIN", scratch);
         auto access = registryBinary("CDRService", "ACCESS BIN", scratch);
         auto limit = registryBinary("CDRService", "DIGITSLIMIT", scratch);
-        if (prefix) EXPECT_EQ(prefix->size(), 64u);
-        if (access) EXPECT_EQ(access->size(), 30u);
+        if (prefix) { EXPECT_EQ(prefix->size(), 64u); }
+        if (access) { EXPECT_EQ(access->size(), 30u); }
         ASSERT_TRUE(limit);
         EXPECT_EQ(limit->size(), 2u);
         for (size_t t = 0; t < all.size(); ++t) {
@@ -150,7 +150,7 @@ TEST_F(CrashDurability, AnsweredModificationsSurviveSigkillAndNoEntryIsTorn) {
                 acknowledged[t] = inFlightValue;  // applied, just not answered
                 continue;
             }
-            if (acknowledged[t]) EXPECT_EQ(stored, acknowledged[t]) << all[t].name;
+            if (acknowledged[t]) { EXPECT_EQ(stored, acknowledged[t]) << all[t].name; }
         }
 
         // The restarted host reads every setting it had before.

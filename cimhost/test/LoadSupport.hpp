@@ -193,15 +193,19 @@ inline CimCall getInstance(const std::string& className, const Keys& keys) {
                                             "\">" + keyBindings(keys) + "</INSTANCENAME></IPARAMVALUE>");
 }
 
-// ModifyInstance of one string-typed or numeric property, as a client that
-// sends only the changed property does.
+// ModifyInstance of one property: the instance carries its keys (the module
+// finds the object by them) and the changed property.
 inline CimCall modifyInstance(const std::string& className, const Keys& keys, const std::string& property,
                               const std::string& type, const std::string& value) {
+    std::string keyProperties;
+    for (const auto& [name, keyValue] : keys)
+        keyProperties += "<PROPERTY NAME=\"" + name + "\" TYPE=\"string\"><VALUE>" + xmlEscape(keyValue) +
+                         "</VALUE></PROPERTY>";
     return intrinsicCall(
         "ModifyInstance",
         "<IPARAMVALUE NAME=\"ModifiedInstance\"><VALUE.NAMEDINSTANCE><INSTANCENAME CLASSNAME=\"" + className + "\">" +
-            keyBindings(keys) + "</INSTANCENAME><INSTANCE CLASSNAME=\"" + className + "\"><PROPERTY NAME=\"" +
-            property + "\" TYPE=\"" + type + "\"><VALUE>" + xmlEscape(value) +
+            keyBindings(keys) + "</INSTANCENAME><INSTANCE CLASSNAME=\"" + className + "\">" + keyProperties +
+            "<PROPERTY NAME=\"" + property + "\" TYPE=\"" + type + "\"><VALUE>" + xmlEscape(value) +
             "</VALUE></PROPERTY></INSTANCE></VALUE.NAMEDINSTANCE></IPARAMVALUE>");
 }
 
@@ -226,11 +230,11 @@ inline std::optional<std::vector<unsigned>> registryBinary(const std::string& se
     return bytes;
 }
 
-// The digits of one row of a digit-bin table: raw digits up to the first
-// byte that is not one.
-inline std::string binRowText(const std::vector<unsigned>& table, size_t row, size_t rowLength) {
+// The digits of one row of a digit-bin table: raw digits at the start of
+// the row, up to the first byte that is not one or `digitCount`.
+inline std::string binRowText(const std::vector<unsigned>& table, size_t row, size_t rowLength, size_t digitCount) {
     std::string text;
-    for (size_t i = row * rowLength; i < (row + 1) * rowLength && i < table.size() && table[i] <= 9; ++i)
+    for (size_t i = row * rowLength; i < row * rowLength + digitCount && i < table.size() && table[i] <= 9; ++i)
         text += static_cast<char>('0' + table[i]);
     return text;
 }
