@@ -14,6 +14,8 @@
 //
 // Summary lines go to standard output after the benchmark table and, as
 // tab-separated rows, to the file named by CDR_BENCH_SUMMARY when set.
+// With CDR_BENCH_SEED_ROOT=<dir> it only writes the configured device's
+// settings into that state directory.
 #include <benchmark/benchmark.h>
 #include <dlfcn.h>
 #include <ext/stdio_sync_filebuf.h>
@@ -388,6 +390,16 @@ int main(int argc, char** argv) {
   benchmark::Initialize(&argc, argv);
   if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
   registryCallCounts = reinterpret_cast<RegistryCallCountsFunction>(dlsym(RTLD_DEFAULT, "cdrBenchRegistryCallCounts"));
+
+  // CDR_BENCH_SEED_ROOT=<dir>: only seed that state directory (bench/run
+  // serves it with cimhost) and stop.
+  if (const char* seedRoot = std::getenv("CDR_BENCH_SEED_ROOT")) {
+    setenv("ZPO_ROOT", seedRoot, 1);
+    ZpoDevReset();
+    seedConfiguredDevice();
+    ZpoDevReset();
+    return 0;
+  }
 
   zpotest::TempZpoRoot root;
   seedConfiguredDevice();

@@ -2,12 +2,17 @@
 --
 --   CIMXML_REQUESTS  "<CIMMethod>=<body file>" items separated by ",";
 --                    each connection sends them in turn
---   CIMXML_LIMIT     stop each thread after this many responses (optional)
+--   CIMXML_LIMIT     stop each thread after this many responses (optional);
+--                    the file CIMXML_DONE is then created, for the caller to
+--                    end wrk with SIGINT (wrk itself runs its full duration)
+--   CIMXML_CLOSE     when "1", ask for the connection to be closed after
+--                    each response (a new connection per request)
 --
 -- A response that is not HTTP 200 or that carries a CIM error is counted;
 -- done() prints one "RESULT" line for bench/run.
 
 local requests = {}
+local connection = os.getenv("CIMXML_CLOSE") == "1" and "close" or "keep-alive"
 for item in string.gmatch(os.getenv("CIMXML_REQUESTS") or "", "[^,]+") do
   local method, path = string.match(item, "^([^=]+)=(.+)$")
   local file = assert(io.open(path, "rb"), "cannot read " .. path)
@@ -18,6 +23,7 @@ for item in string.gmatch(os.getenv("CIMXML_REQUESTS") or "", "[^,]+") do
     ["CIMOperation"] = "MethodCall",
     ["CIMMethod"] = method,
     ["CIMObject"] = "root/cimv2",
+    ["Connection"] = connection,
   }, body)
 end
 assert(#requests > 0, "CIMXML_REQUESTS names no request")
@@ -42,7 +48,9 @@ function response(status, headers, body)
   if status ~= 200 or headers["CIMError"] or string.find(body, "<ERROR", 1, true) then
     failures = failures + 1
   end
-  if limit > 0 and responses >= limit then
+  if limit > 0 and responses == limit then
+    local marker = io.open(os.getenv("CIMXML_DONE") or "/dev/null", "w")
+    if marker then marker:close() end
     wrk.thread:stop()
   end
 end
