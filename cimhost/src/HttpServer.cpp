@@ -43,6 +43,9 @@ HttpServer::HttpServer(RequestHandler& handler, const Authenticator* authenticat
     server_->set_write_timeout(limits_.writeTimeoutSeconds, 0);
     server_->set_keep_alive_timeout(limits_.keepAliveTimeoutSeconds);
     server_->set_keep_alive_max_count(1000);
+    // Responses go out at once: without it, each keep-alive response waits
+    // for the client's delayed acknowledgement.
+    server_->set_tcp_nodelay(true);
     installRoutes();
 }
 
