@@ -15,6 +15,8 @@
 #include "OW_CIMException.hpp"
 #include "OW_CIMInstance.hpp"
 #include "OW_CIMObjectPath.hpp"
+#include "OW_CIMParamValue.hpp"
+#include "OW_CIMClass.hpp"
 #include "OW_CIMProperty.hpp"
 #include "OW_CIMQualifier.hpp"
 #include "OW_CIMValue.hpp"
@@ -100,6 +102,38 @@ class ModuleTest : public ::testing::Test {
   }
 
   zpotest::TempZpoRoot root;
+};
+
+// A class provider initialised as the module initialises it, and the CIM
+// calls tests make on it. The instance manager it installs is freed and the
+// default one made current again at the end (after the test's own objects).
+template <class Provider, class Managed>
+class ProviderTest : public ModuleTest {
+ protected:
+  ProviderTest() : env(makeEnvironment()) { provider.initialize(env); }
+  ~ProviderTest() override {
+    auto* installed = Managed::getInstanceManager();
+    Managed::ClearInstanceManager();
+    delete installed;
+  }
+
+  OW::CIMInstance getInstance(const OW::CIMObjectPath& path) {
+    return provider.getInstance(env, "root/cimv2", path, OW::WBEMFlags::E_NOT_LOCAL_ONLY,
+                                OW::WBEMFlags::E_INCLUDE_QUALIFIERS,
+                                OW::WBEMFlags::E_EXCLUDE_CLASS_ORIGIN, 0, OW::CIMClass(OW::CIMNULL));
+  }
+  OW::CIMValue invokeMethod(const OW::CIMObjectPath& path, const char* method) {
+    OW::CIMParamValueArray in, out;
+    return provider.invokeMethod(env, "root/cimv2", path, method, in, out);
+  }
+  // The instance as a client's ModifyInstance carries it.
+  void modifyInstance(const OW::CIMInstance& instance) {
+    provider.modifyInstance(env, "root/cimv2", instance, OW::CIMInstance(OW::CIMNULL),
+                            OW::WBEMFlags::E_EXCLUDE_QUALIFIERS, 0, OW::CIMClass(OW::CIMNULL));
+  }
+
+  OW::ProviderEnvironmentIFCRef env;
+  Provider provider;
 };
 
 }  // namespace cdrtest

@@ -43,37 +43,25 @@ std::vector<uint8_t> counterBytes(uint32_t value) {
   return bytes;
 }
 
-class PullStatisticsTest : public cdrtest::ModuleTest {
+class PullStatisticsTest : public cdrtest::ProviderTest<QTX_CDRPullStatisticsProvider, QTX_CDRPullStatistics> {
  protected:
-  PullStatisticsTest() : env(cdrtest::makeEnvironment()) {
-    provider.initialize(env);
+  PullStatisticsTest() {
     statistics = new QTX_CDRPullStatisticsImpl("CDRPullStatistic");
     setType(3);
   }
   ~PullStatisticsTest() override {
     delete statistics;
-    QTX_CDRPullStatistics::ClearInstanceManager();
   }
 
   OW::CIMObjectPath path() const {
     return makePath("QTX_CDRPullStatistics", {{"Name", "CDRPullStatistic"}});
   }
-  OW::CIMInstance get() {
-    return provider.getInstance(env, "root/cimv2", path(), OW::WBEMFlags::E_NOT_LOCAL_ONLY,
-                                OW::WBEMFlags::E_INCLUDE_QUALIFIERS,
-                                OW::WBEMFlags::E_EXCLUDE_CLASS_ORIGIN, 0, OW::CIMClass(OW::CIMNULL));
-  }
-  OW::CIMValue invoke(const char* method) {
-    OW::CIMParamValueArray in, out;
-    return provider.invokeMethod(env, "root/cimv2", path(), method, in, out);
-  }
+  OW::CIMInstance get() { return getInstance(path()); }
+  OW::CIMValue invoke(const char* method) { return invokeMethod(path(), method); }
   CIMError modify(const std::vector<std::pair<const char*, OW::CIMValue>>& properties) {
     OW::CIMInstance instance = makeInstance("QTX_CDRPullStatistics", properties);
     instance.setProperty("Name", OW::CIMValue(OW::String("CDRPullStatistic")));
-    return catchCIMError([&] {
-      provider.modifyInstance(env, "root/cimv2", instance, OW::CIMInstance(OW::CIMNULL),
-                              OW::WBEMFlags::E_EXCLUDE_QUALIFIERS, 0, OW::CIMClass(OW::CIMNULL));
-    });
+    return catchCIMError([&] { modifyInstance(instance); });
   }
   void setType(uint8_t type) { ZpoSetRegEntryBinary("CDR", "CDRPush", "TransferType", &type, 1); }
   void setText(const char* key, const char* text) { ZpoSetRegEntryString("CDR", "CDRPull", key, text); }
@@ -99,8 +87,6 @@ class PullStatisticsTest : public cdrtest::ModuleTest {
     setFlag(1);
   }
 
-  OW::ProviderEnvironmentIFCRef env;
-  QTX_CDRPullStatisticsProvider provider;
   QTX_CDRPullStatisticsImpl* statistics;
 };
 

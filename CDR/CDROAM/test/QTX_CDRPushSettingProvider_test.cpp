@@ -16,30 +16,23 @@ using cdrtest::qualifierText;
 const char* const kSource = "CDR/CDROAM/src/QTX_CDRPushSettingProvider";
 const char* const kTask = " /qv/bin/CDRTransfer";
 
-class PushSettingProviderTest : public cdrtest::ModuleTest {
+class PushSettingProviderTest : public cdrtest::ProviderTest<QTX_CDRPushSettingProvider, QTX_CDRPushSetting> {
  protected:
-  PushSettingProviderTest() : env(cdrtest::makeEnvironment()) {
-    provider.initialize(env);
+  PushSettingProviderTest() {
     push = new QTX_CDRPushSettingImpl("CDRPushSetting");
   }
   ~PushSettingProviderTest() override {
     delete push;
-    QTX_CDRPushSetting::ClearInstanceManager();
   }
 
   OW::CIMObjectPath path() const {
     return makePath("QTX_CDRPushSetting", {{"InstanceID", "CDRPushSetting"}});
   }
-  OW::CIMInstance get() {
-    return provider.getInstance(env, "root/cimv2", path(), OW::WBEMFlags::E_NOT_LOCAL_ONLY,
-                                OW::WBEMFlags::E_INCLUDE_QUALIFIERS,
-                                OW::WBEMFlags::E_EXCLUDE_CLASS_ORIGIN, 0, OW::CIMClass(OW::CIMNULL));
-  }
+  OW::CIMInstance get() { return getInstance(path()); }
   void modifyWith(const std::vector<std::pair<const char*, OW::CIMValue>>& properties) {
     OW::CIMInstance instance = makeInstance("QTX_CDRPushSetting", properties);
     instance.setProperty("InstanceID", OW::CIMValue(OW::String("CDRPushSetting")));
-    provider.modifyInstance(env, "root/cimv2", instance, OW::CIMInstance(OW::CIMNULL),
-                            OW::WBEMFlags::E_EXCLUDE_QUALIFIERS, 0, OW::CIMClass(OW::CIMNULL));
+    modifyInstance(instance);
   }
   CIMError modify(const std::vector<std::pair<const char*, OW::CIMValue>>& properties) {
     return catchCIMError([&] { modifyWith(properties); });
@@ -60,8 +53,6 @@ class PushSettingProviderTest : public cdrtest::ModuleTest {
   }
   static OW::CIMValue str(const char* text) { return OW::CIMValue(OW::String(text)); }
 
-  OW::ProviderEnvironmentIFCRef env;
-  QTX_CDRPushSettingProvider provider;
   QTX_CDRPushSettingImpl* push;
 };
 

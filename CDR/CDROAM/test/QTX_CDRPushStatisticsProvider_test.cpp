@@ -17,29 +17,20 @@ using cdrtest::qualifierText;
 const char* const kSource = "CDR/CDROAM/src/QTX_CDRPushStatisticsProvider";
 const char* const kZeroDateTime = "00000000000000.000000:000";
 
-class PushStatisticsTest : public cdrtest::ModuleTest {
+class PushStatisticsTest : public cdrtest::ProviderTest<QTX_CDRPushStatisticsProvider, QTX_CDRPushStatistics> {
  protected:
-  PushStatisticsTest() : env(cdrtest::makeEnvironment()) {
-    provider.initialize(env);
+  PushStatisticsTest() {
     statistics = new QTX_CDRPushStatisticsImpl("CDRPushStatistic");
   }
   ~PushStatisticsTest() override {
     delete statistics;
-    QTX_CDRPushStatistics::ClearInstanceManager();
   }
 
   OW::CIMObjectPath path() const {
     return makePath("QTX_CDRPushStatistics", {{"Name", "CDRPushStatistic"}});
   }
-  OW::CIMInstance get() {
-    return provider.getInstance(env, "root/cimv2", path(), OW::WBEMFlags::E_NOT_LOCAL_ONLY,
-                                OW::WBEMFlags::E_INCLUDE_QUALIFIERS,
-                                OW::WBEMFlags::E_EXCLUDE_CLASS_ORIGIN, 0, OW::CIMClass(OW::CIMNULL));
-  }
-  OW::CIMValue invoke(const char* method) {
-    OW::CIMParamValueArray in, out;
-    return provider.invokeMethod(env, "root/cimv2", path(), method, in, out);
-  }
+  OW::CIMInstance get() { return getInstance(path()); }
+  OW::CIMValue invoke(const char* method) { return invokeMethod(path(), method); }
   void setType(uint8_t type) { ZpoSetRegEntryBinary("CDR", "CDRPush", "TransferType", &type, 1); }
   void setTime(const char* text) { ZpoSetRegEntryString("CDR", "CDRPush", "LastTransferTime", text); }
   std::string storedTime() {
@@ -48,8 +39,6 @@ class PushStatisticsTest : public cdrtest::ModuleTest {
     return buffer;
   }
 
-  OW::ProviderEnvironmentIFCRef env;
-  QTX_CDRPushStatisticsProvider provider;
   QTX_CDRPushStatisticsImpl* statistics;
 };
 
@@ -165,8 +154,7 @@ TEST_F(PushStatisticsTest, ModifySucceedsAndChangesNothing) {
        {"LastTransferTime", OW::CIMValue(OW::CIMDateTime(OW::String("20991231235959.000000+000")))},
        {"TransferType", OW::CIMValue(OW::UInt8(3))}});
   CIMError error = catchCIMError([&] {
-    provider.modifyInstance(env, "root/cimv2", instance, OW::CIMInstance(OW::CIMNULL),
-                            OW::WBEMFlags::E_EXCLUDE_QUALIFIERS, 0, OW::CIMClass(OW::CIMNULL));
+    modifyInstance(instance);
   });
   EXPECT_FALSE(error.thrown);
   EXPECT_EQ("20240102030405.000000+000", storedTime());

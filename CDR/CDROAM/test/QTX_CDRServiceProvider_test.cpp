@@ -17,15 +17,13 @@ using cdrtest::qualifierText;
 
 const char* const kSource = "CDR/CDROAM/src/QTX_CDRServiceProvider";
 
-class ServiceProviderTest : public cdrtest::ModuleTest {
+class ServiceProviderTest : public cdrtest::ProviderTest<QTX_CDRServiceProvider, QTX_CDRService> {
  protected:
-  ServiceProviderTest() : env(cdrtest::makeEnvironment()) {
-    provider.initialize(env);
+  ServiceProviderTest() {
     service = new QTX_CDRServiceImpl("QTX_System", "QTX", "QTX_CDRService", "CDRService");
   }
   ~ServiceProviderTest() override {
     delete service;
-    QTX_CDRService::ClearInstanceManager();
   }
 
   OW::CIMObjectPath path() const {
@@ -34,28 +32,19 @@ class ServiceProviderTest : public cdrtest::ModuleTest {
                                        {"CreationClassName", "QTX_CDRService"},
                                        {"Name", "CDRService"}});
   }
-  OW::CIMInstance get() {
-    return provider.getInstance(env, "root/cimv2", path(), OW::WBEMFlags::E_NOT_LOCAL_ONLY,
-                                OW::WBEMFlags::E_INCLUDE_QUALIFIERS,
-                                OW::WBEMFlags::E_EXCLUDE_CLASS_ORIGIN, 0, OW::CIMClass(OW::CIMNULL));
-  }
+  OW::CIMInstance get() { return getInstance(path()); }
   CIMError modify(const std::vector<std::pair<const char*, OW::CIMValue>>& properties) {
     OW::CIMInstance instance = makeInstance("QTX_CDRService", properties);
     instance.setProperty("SystemCreationClassName", OW::CIMValue(OW::String("QTX_System")));
     instance.setProperty("SystemName", OW::CIMValue(OW::String("QTX")));
     instance.setProperty("CreationClassName", OW::CIMValue(OW::String("QTX_CDRService")));
     instance.setProperty("Name", OW::CIMValue(OW::String("CDRService")));
-    return catchCIMError([&] {
-      provider.modifyInstance(env, "root/cimv2", instance, OW::CIMInstance(OW::CIMNULL),
-                              OW::WBEMFlags::E_EXCLUDE_QUALIFIERS, 0, OW::CIMClass(OW::CIMNULL));
-    });
+    return catchCIMError([&] { modifyInstance(instance); });
   }
   void setByte(const char* key, uint8_t value) {
     ZpoSetRegEntryBinary("CDR", "CDRService", key, &value, 1);
   }
 
-  OW::ProviderEnvironmentIFCRef env;
-  QTX_CDRServiceProvider provider;
   QTX_CDRServiceImpl* service;
 };
 
