@@ -43,12 +43,16 @@ public:
 
 	ErrNoType getErrNo() const { return static_cast<ErrNoType>(getErrorCode()); }
 	void setErrNo(ErrNoType e) { setErrorCode(e); }
+#ifndef OWAPI_SERIES_3_0
 	/// The message as given; a NULL pointer when none was given.
 	const char* getDescription() const;
+#endif
 	virtual const char* type() const;
 	virtual CIMException* clone() const throw();
+#ifndef OWAPI_SERIES_3_0
 	/// The fixed text of a code; "unknown error" out of range.
 	static const char* getCodeDescription(ErrNoType errCode);
+#endif
 private:
 	char* m_description;
 };

@@ -34,10 +34,14 @@ public:
 	CIMInstance& setKeys(const CIMPropertyArray& keys);
 	String getClassName() const;
 	CIMInstance& setClassName(const CIMName& name);
+#ifndef OWAPI_SERIES_3_0
 	String getNameSpace() const;
 	CIMInstance& setNameSpace(const String& ns);
+#endif
 	String getLanguage() const;
+#ifndef OWAPI_SERIES_3_0
 	CIMInstance& setLanguage(const String& language);
+#endif
 	CIMQualifierArray getQualifiers() const;
 	CIMQualifier getQualifier(const CIMName& qualName) const;
 	CIMInstance& setQualifiers(const CIMQualifierArray& quals);
@@ -57,7 +61,9 @@ public:
 	CIMPropertyArray getKeyValuePairs() const;
 	CIMInstance& updatePropertyValues(const CIMPropertyArray& props);
 	CIMInstance& updatePropertyValue(const CIMProperty& prop);
+#ifndef OWAPI_SERIES_3_0
 	CIMInstance& updatePropertyValue(const CIMName& name, const CIMValue& value);
+#endif
 	/// Sets the value of an existing property (converted to its type), or
 	/// appends an untyped-qualifier property typed from the value.
 	CIMInstance& setProperty(const CIMName& name, const CIMValue& cv);

@@ -39,8 +39,10 @@ private:
 	COWIntrusiveReference<Data> m_pdata;
 };
 
+#ifndef OWAPI_SERIES_3_0
 /// The value of the first parameter of that name (case ignored), or null.
 CIMValue getParamValue(const String& paramName, const CIMParamValueArray& params);
+#endif
 
 } // end namespace OW_NAMESPACE
 

@@ -16,10 +16,12 @@ class CppAssociatorProviderIFC : public virtual CppInstanceProviderIFC
 public:
 	virtual ~CppAssociatorProviderIFC();
 
+#ifndef OWAPI_SERIES_3_0
 	/// Calls getAssociatorProviderInfo(info).
 	virtual void getAssociatorProviderInfoWithEnv(
 		const ProviderRegistrationEnvironmentIFCRef& env,
 		AssociatorProviderInfo& info);
+#endif
 	/// Registers nothing by default.
 	virtual void getAssociatorProviderInfo(AssociatorProviderInfo& info);
 

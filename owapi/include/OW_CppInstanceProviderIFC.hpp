@@ -17,10 +17,12 @@ public:
 	CppInstanceProviderIFC();
 	virtual ~CppInstanceProviderIFC();
 
+#ifndef OWAPI_SERIES_3_0
 	/// Calls getInstanceProviderInfo(info).
 	virtual void getInstanceProviderInfoWithEnv(
 		const ProviderRegistrationEnvironmentIFCRef& env,
 		InstanceProviderInfo& info);
+#endif
 	/// Registers nothing by default.
 	virtual void getInstanceProviderInfo(InstanceProviderInfo& info);
 

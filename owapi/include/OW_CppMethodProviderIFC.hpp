@@ -15,10 +15,12 @@ class CppMethodProviderIFC : public virtual CppProviderBaseIFC
 public:
 	virtual ~CppMethodProviderIFC();
 
+#ifndef OWAPI_SERIES_3_0
 	/// Calls getMethodProviderInfo(info).
 	virtual void getMethodProviderInfoWithEnv(
 		const ProviderRegistrationEnvironmentIFCRef& env,
 		MethodProviderInfo& info);
+#endif
 	/// Registers nothing by default.
 	virtual void getMethodProviderInfo(MethodProviderInfo& info);
 

@@ -23,8 +23,10 @@ public:
 
 	/// Called once per provider object before any request; may throw.
 	virtual void initialize(const ProviderEnvironmentIFCRef& env);
+#ifndef OWAPI_SERIES_3_0
 	/// Called before the object manager stops.
 	virtual void shuttingDown(const ProviderEnvironmentIFCRef& env);
+#endif
 
 	virtual CppInstanceProviderIFC* getInstanceProvider();
 	virtual CppSecondaryInstanceProviderIFC* getSecondaryInstanceProvider();

@@ -36,10 +36,17 @@ public:
 
 	virtual ~Logger();
 
+#ifdef OWAPI_SERIES_3_0
+	void logFatalError(const String& message) const;
+	void logError(const String& message) const;
+	void logInfo(const String& message) const;
+	void logDebug(const String& message) const;
+#else
 	void logFatalError(const String& message, const char* filename = 0, int fileline = -1, const char* methodname = 0) const;
 	void logError(const String& message, const char* filename = 0, int fileline = -1, const char* methodname = 0) const;
 	void logInfo(const String& message, const char* filename = 0, int fileline = -1, const char* methodname = 0) const;
 	void logDebug(const String& message, const char* filename = 0, int fileline = -1, const char* methodname = 0) const;
+#endif
 
 	void logMessage(const String& component, const String& category, const String& message) const;
 	void logMessage(const String& component, const String& category, const String& message,
@@ -83,6 +90,7 @@ private:
 
 } // end namespace OW_NAMESPACE
 
+#ifndef OWAPI_SERIES_3_0
 #if defined(__GNUC__)
 #define OW_LOGGER_PRETTY_FUNCTION __PRETTY_FUNCTION__
 #else
@@ -133,5 +141,7 @@ do \
 		(logger)->logMessage((category), (message), __FILE__, __LINE__, OW_LOGGER_PRETTY_FUNCTION); \
 	} \
 } while (0)
+
+#endif
 
 #endif

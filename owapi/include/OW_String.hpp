@@ -150,8 +150,10 @@ public:
 	Int32 toInt32(int base = 10) const;
 	UInt64 toUInt64(int base = 10) const;
 	Int64 toInt64(int base = 10) const;
+#ifndef OWAPI_SERIES_3_0
 	unsigned int toUnsignedInt(int base = 10) const;
 	int toInt(int base = 10) const;
+#endif
 
 	static const size_t npos = size_t(~0);
 

@@ -12,7 +12,7 @@
 #include <stdio.h>
 #include <string>
 
-#include "OW_config.h"
+#include "CDROWConfig.hpp"
 #include "OW_Array.hpp"
 #include "OW_Bool.hpp"
 #include "OW_CIMClass.hpp"

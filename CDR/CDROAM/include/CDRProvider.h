@@ -4,7 +4,7 @@
 #ifndef CDRPROVIDER_H
 #define CDRPROVIDER_H
 
-#include "OW_config.h"
+#include "CDROWConfig.hpp"
 #include "OW_CIMClass.hpp"
 #include "OW_CIMInstance.hpp"
 #include "OW_CIMObjectPath.hpp"

@@ -8,7 +8,7 @@
 #include <stdint.h>
 #include <string>
 
-#include "OW_config.h"
+#include "CDROWConfig.hpp"
 #include "OW_Array.hpp"
 #include "OW_CIMQualifier.hpp"
 #include "ZpoShared.h"

@@ -6,7 +6,7 @@
 
 #include <stddef.h>
 
-#include "OW_config.h"
+#include "CDROWConfig.hpp"
 #include "OW_UTF8Utils.hpp"
 
 #ifdef CDR_SUPPLY_ISO8859TOUTF8

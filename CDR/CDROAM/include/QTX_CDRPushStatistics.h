@@ -4,7 +4,7 @@
 
 #include <string>
 
-#include "OW_config.h"
+#include "CDROWConfig.hpp"
 #include "OW_Array.hpp"
 #include "OW_CIMQualifier.hpp"
 

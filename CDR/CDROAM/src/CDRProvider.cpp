@@ -113,8 +113,15 @@ size_t classIndex(const NameSource& name, const Operation& operation) {
   throw CIMException(kSourcePath, operation.unknownClassLine, CIMException::INVALID_CLASS);
 }
 
+// Loggers per component and the OW_LOG_* macros came together with OpenWBEM
+// 3.1; 3.0 has only the object manager's logger, which is deprecated later.
 void logError(const OW_NAMESPACE::ProviderEnvironmentIFCRef& env, const String& text) {
-  if (env) env->getLogger(kLogComponent)->logError(text);
+  if (!env) return;
+#ifdef OW_LOG_ERROR
+  env->getLogger(kLogComponent)->logError(text);
+#else
+  env->getLogger()->logError(text);
+#endif
 }
 
 // Translates the exception being handled. Called only from a catch block.
