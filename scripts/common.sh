@@ -32,6 +32,40 @@ ensure_packages() {
   apt-get install -y -qq --no-install-recommends "${missing[@]}"
 }
 
+# Creates the device state in $ZPO_ROOT with the zpo command given:
+# a configured CDR service, so that every property can be read and set.
+seed_device_state() {
+  local zpo="$1" kind key value
+  mkdir -p "$ZPO_ROOT"
+  while read -r kind key value; do
+    "$zpo" reg "set-$kind" CDR CDRService "${key//_/ }" "$value"
+  done <<'SETTINGS'
+binary FORMAT 01
+binary TYPE 00
+binary LANG 00
+binary FILTER 00
+binary FEATURE_CODE f912
+binary DATE 00
+binary HEADER 00
+binary DNIS 00
+binary CONNECT 00
+binary DIGITSSUPP 00
+binary DIGITSLIMIT 0010
+binary SCHEDULE 00
+binary FILESIZE 0a
+int DISKLIMIT 100
+binary NAME 00
+binary LONGID 00
+binary CALLTYPE 00
+binary CHARGE 00
+binary SUPERVISE 00
+binary TIME 00
+binary HOSPITAL 00
+binary PREFIX_BIN 0c0c0c0c0c0c0c0c0c0c0c0c0c0c0c0c0c0c0c0c0c0c0c0c0c0c0c0c0c0c0c0c0c0c0c0c0c0c0c0c0c0c0c0c0c0c0c0c0c0c0c0c0c0c0c0c0c0c0c0c0c0c0c0c
+binary ACCESS_BIN 0c0c0c0c0c000c0c0c0c0c000c0c0c0c0c000c0c0c0c0c000c0c0c0c0c00
+SETTINGS
+}
+
 configure_and_build() {
   cmake -S "$ROOT_DIR" -B "$BUILD_DIR" -DCDR_WERROR=ON "$@" >/dev/null
   cmake --build "$BUILD_DIR" -j "$(nproc)"
