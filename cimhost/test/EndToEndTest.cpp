@@ -63,8 +63,6 @@ protected:
         url = base + "/root/cimv2";
     }
 
-    // The server's log: cimhost's, or the external server's log file.
-    std::string serverLog() const { return external ? readFile(external->logPath) : host->log(); }
 
     // Listens on the CDR service's queue until `count` messages arrived.
     void listenToCdrService(int count) {
@@ -91,7 +89,7 @@ protected:
     CommandResult curl(const std::string& method, const std::string& body, const std::string& extra = "") {
         std::ofstream(scratch.file("body.xml")) << body;
         return runCommand("curl -s -o " + scratch.file("response.xml") + " -D - -H 'Content-Type: application/xml' "
-                          "-H 'CIMOperation: MethodCall' -H 'CIMMethod: " + method + "' " + extra +
+                          "-H 'Accept: application/xml' -H 'CIMOperation: MethodCall' -H 'CIMMethod: " + method + "' " + extra +
                           " --data-binary @" + scratch.file("body.xml") + " " + base + "/cimom", scratch);
     }
 
@@ -162,8 +160,8 @@ TEST_F(CdrHost, RefusedSettingIsCimError4WithTheModulesMessage) {
     EXPECT_NE(refused.err.find("Cim: (4) CIM_ERR_INVALID_PARAMETER: DigitsLimit must be <= 24"), std::string::npos)
         << refused.err;
     EXPECT_EQ(zpo("reg get CDR CDRService DIGITSLIMIT").out, "binary 00 10\n");
-    if (external && external->logPath.empty()) GTEST_SKIP() << "the server's log file is not named (CDR_E2E_LOG)";
-    EXPECT_NE(serverLog().find("CDR/CDROAM/src/QTX_CDRServiceProvider:"), std::string::npos);
+    if (external) GTEST_SKIP() << "checks cimhost's own log";
+    EXPECT_NE(host->log().find("CDR/CDROAM/src/QTX_CDRServiceProvider:"), std::string::npos);
 }
 
 TEST_F(CdrHost, PushTimeChangeRearmsTheScheduledTransfer) {
@@ -239,7 +237,7 @@ TEST_F(CdrHost, MalformedRequestsAreRefusedWithoutHarm) {
     std::string modify = intrinsicBody(
         "ModifyInstance",
         "<IPARAMVALUE NAME=\"ModifiedInstance\"><VALUE.NAMEDINSTANCE><INSTANCENAME CLASSNAME=\"QTX_CDRServicePrefixBin\">"
-        "<KEYBINDING NAME=\"InstanceID\"><KEYVALUE>CDRServicePrefixBin_0</KEYVALUE></KEYBINDING></INSTANCENAME>"
+        "<KEYBINDING NAME=\"InstanceID\"><KEYVALUE VALUETYPE=\"string\">CDRServicePrefixBin_0</KEYVALUE></KEYBINDING></INSTANCENAME>"
         "<INSTANCE CLASSNAME=\"QTX_CDRServicePrefixBin\"><PROPERTY NAME=\"InstanceID\" TYPE=\"string\"><VALUE>"
         "CDRServicePrefixBin_0</VALUE></PROPERTY><PROPERTY NAME=\"PrefixBin\" TYPE=\"string\"><VALUE>123</VALUE>"
         "</PROPERTY></INSTANCE></VALUE.NAMEDINSTANCE></IPARAMVALUE>");
@@ -269,10 +267,10 @@ TEST_F(CdrHost, IncludeQualifiersShowsApplicableAndValidValueMap) {
     std::string service = intrinsicBody(
         "GetInstance",
         "<IPARAMVALUE NAME=\"IncludeQualifiers\"><VALUE>TRUE</VALUE></IPARAMVALUE><IPARAMVALUE NAME=\"InstanceName\">"
-        "<INSTANCENAME CLASSNAME=\"QTX_CDRService\"><KEYBINDING NAME=\"SystemCreationClassName\"><KEYVALUE>QTX_System"
-        "</KEYVALUE></KEYBINDING><KEYBINDING NAME=\"SystemName\"><KEYVALUE>QTX</KEYVALUE></KEYBINDING><KEYBINDING "
-        "NAME=\"CreationClassName\"><KEYVALUE>QTX_CDRService</KEYVALUE></KEYBINDING><KEYBINDING NAME=\"Name\">"
-        "<KEYVALUE>CDRService</KEYVALUE></KEYBINDING></INSTANCENAME></IPARAMVALUE>");
+        "<INSTANCENAME CLASSNAME=\"QTX_CDRService\"><KEYBINDING NAME=\"SystemCreationClassName\"><KEYVALUE VALUETYPE=\"string\">QTX_System"
+        "</KEYVALUE></KEYBINDING><KEYBINDING NAME=\"SystemName\"><KEYVALUE VALUETYPE=\"string\">QTX</KEYVALUE></KEYBINDING><KEYBINDING "
+        "NAME=\"CreationClassName\"><KEYVALUE VALUETYPE=\"string\">QTX_CDRService</KEYVALUE></KEYBINDING><KEYBINDING NAME=\"Name\">"
+        "<KEYVALUE VALUETYPE=\"string\">CDRService</KEYVALUE></KEYBINDING></INSTANCENAME></IPARAMVALUE>");
     ASSERT_EQ(curl("GetInstance", service).exitCode, 0);
     std::string response = readFile(scratch.file("response.xml"));
     EXPECT_NE(response.find("<PROPERTY NAME=\"ReportType\" TYPE=\"uint8\"><QUALIFIER NAME=\"ValidValueMap\" "
