@@ -118,25 +118,9 @@ Instances instancesOf(const CimAnswer& answer) {
     return out;
 }
 
-// calls[kPrefixEnumerations] enumerates the prefix rows, the next call
-// their names.
+// enumerationsAndGets()[kPrefixEnumerations] enumerates the prefix rows,
+// the next call their names.
 constexpr size_t kPrefixEnumerations = 2;
-const char* const kClasses[] = {"QTX_CDRService", "QTX_CDRServicePrefixBin", "QTX_CDRServiceAccessBin",
-                                "QTX_CDRPushSetting", "QTX_CDRPushStatistics", "QTX_CDRPullStatistics"};
-
-std::vector<CimCall> readCalls() {
-    std::vector<CimCall> calls;
-    for (const char* cls : kClasses) {
-        calls.push_back(enumerateInstances(cls));
-        calls.push_back(enumerateInstanceNames(cls));
-    }
-    calls.push_back(getInstance("QTX_CDRService", serviceKeys()));
-    calls.push_back(getInstance("QTX_CDRServiceAccessBin", rowKeys("CDRServiceAccessBin_", 2)));
-    calls.push_back(getInstance("QTX_CDRPushSetting", {{"InstanceID", "CDRPushSetting"}}));
-    calls.push_back(getInstance("QTX_CDRPushStatistics", {{"Name", "CDRPushStatistic"}}));
-    calls.push_back(getInstance("QTX_CDRPullStatistics", {{"Name", "CDRPullStatistic"}}));
-    return calls;
-}
 
 // The two values each client writes to its row in turn; the backup holds
 // the first.
@@ -180,7 +164,7 @@ TEST_F(ConcurrentRequests, EveryAnswerHoldsExactlyTheInstancesAndValuesOfAReques
 
     // Alone: what each request answers with every row at its first value,
     // then at its second. Both are allowed while clients change their rows.
-    const std::vector<CimCall> calls = readCalls();
+    const std::vector<CimCall> calls = enumerationsAndGets();
     std::vector<std::vector<std::string>> expectedIds(calls.size());
     std::vector<std::set<std::string>> allowed(calls.size());
     std::vector<std::string> rowFirst(kClients), rowSecond(kClients);
