@@ -9,7 +9,6 @@
 
 #include <algorithm>
 #include <atomic>
-#include <map>
 #include <mutex>
 #include <set>
 
@@ -170,6 +169,7 @@ TEST_F(ConcurrentRequests, EveryAnswerHoldsExactlyTheInstancesAndValuesOfAReques
     std::vector<std::string> rowFirst(kClients), rowSecond(kClients);
     for (auto digits : {secondDigits, firstDigits}) {
         setRows(digits);
+        ASSERT_FALSE(HasFatalFailure());
         for (size_t i = 0; i < calls.size(); ++i) {
             CimAnswer answer = post(server, calls[i]);
             ASSERT_TRUE(answer.wellFormed && answer.cimError == 0) << calls[i].body << "\n" << answer.body;
