@@ -71,10 +71,24 @@ configure_and_build() {
   cmake --build "$BUILD_DIR" -j "$(nproc)"
 }
 
+# Runs the suite of the sanitizer tree $1 (further arguments go to ctest).
+# Every process the tests start (the host, zpo) writes its sanitizer reports
+# under the tree's sanitizer-reports/, so a finding in a child process fails
+# the run too, not only one in a test.
+run_suite_failing_on_reports() {
+  local dir="$1" status=0
+  shift
+  (cd "$dir" && ctest --output-on-failure -j "$(nproc)" "$@") || status=$?
+  if compgen -G "$dir/sanitizer-reports/*" >/dev/null; then
+    echo "Sanitizer findings:" >&2
+    cat "$dir"/sanitizer-reports/* >&2
+    status=1
+  fi
+  return $status
+}
+
 # Builds a second tree with AddressSanitizer and UndefinedBehaviorSanitizer
-# and runs the whole suite there. Every process the tests start (the host,
-# zpo) writes its sanitizer reports under the tree's sanitizer-reports/, so a
-# finding in a child process fails the run too, not only one in a test.
+# and runs the whole suite there.
 run_sanitizer_suite() {
   local dir="${ASAN_BUILD_DIR:-$ROOT_DIR/build-asan}"
   # GCC's maybe-uninitialized analysis gives false positives on
@@ -88,12 +102,23 @@ run_sanitizer_suite() {
   export UBSAN_OPTIONS="halt_on_error=1:print_stacktrace=1:log_path=$reports/ubsan"
   export LSAN_OPTIONS="suppressions=$ROOT_DIR/tools/lsan.supp:print_suppressions=0"
   local status=0
-  (cd "$dir" && ctest --output-on-failure -j "$(nproc)" "$@") || status=$?
-  if compgen -G "$reports/*" >/dev/null; then
-    echo "Sanitizer findings:" >&2
-    cat "$reports"/* >&2
-    status=1
-  fi
+  run_suite_failing_on_reports "$dir" "$@" || status=$?
   unset ASAN_OPTIONS UBSAN_OPTIONS LSAN_OPTIONS
+  return $status
+}
+
+# Builds a third tree with ThreadSanitizer and runs the whole suite there:
+# the module's and the platform's tests, and the end-to-end and concurrent
+# tests with an instrumented host and zpo.
+run_tsan_suite() {
+  local dir="${TSAN_BUILD_DIR:-$ROOT_DIR/build-tsan}"
+  cmake -S "$ROOT_DIR" -B "$dir" -DCDR_WERROR=ON -DCDR_TSAN=ON -DCDR_BUILD_BENCH=OFF >/dev/null
+  cmake --build "$dir" -j "$(nproc)"
+  local reports="$dir/sanitizer-reports"
+  rm -rf "$reports" && mkdir -p "$reports"
+  export TSAN_OPTIONS="halt_on_error=1:second_deadlock_stack=1:log_path=$reports/tsan"
+  local status=0
+  run_suite_failing_on_reports "$dir" "$@" || status=$?
+  unset TSAN_OPTIONS
   return $status
 }

@@ -90,6 +90,7 @@ OW::CppInstanceProviderIFC& OperationDispatcher::instanceProviderFor(const Class
 
 const OW::CIMClass& OperationDispatcher::apiClass(const ClassDefinition& cls) {
     std::string key = lowerCase(cls.name);
+    std::lock_guard<std::mutex> lock(apiClassesMutex_);
     auto it = apiClasses_.find(key);
     if (it == apiClasses_.end()) it = apiClasses_.emplace(key, cimClassFromDefinition(cls)).first;
     return it->second;
@@ -99,7 +100,6 @@ std::string OperationDispatcher::handle(const CimRequest& request, const std::st
     const char* element = request.intrinsic ? "IMETHODRESPONSE" : "METHODRESPONSE";
     XmlWriter content;
     try {
-        std::lock_guard<std::mutex> lock(providerMutex_);
         if (!namesEqual(trimSlashes(request.nameSpace), nameSpace_)) {
             throwCim(CIMException::INVALID_NAMESPACE, request.nameSpace);
         }

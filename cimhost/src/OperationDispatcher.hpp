@@ -1,7 +1,8 @@
 // Maps CIM operations onto the class definitions and the provider: class
 // operations are answered from the MOF, instance, method and association
-// operations go to the provider with the arguments OpenWBEM passes. Provider
-// calls are serialised: the module takes no locks of its own.
+// operations go to the provider with the arguments OpenWBEM passes. Requests
+// reach the provider concurrently from the server's worker threads, as in
+// OpenWBEM; a module serialises itself where it needs to.
 #pragma once
 
 #include <map>
@@ -60,8 +61,8 @@ private:
     HostLog& log_;
     std::string nameSpace_;
     std::string hostName_;
-    std::mutex providerMutex_;
-    std::map<std::string, OpenWBEM::CIMClass> apiClasses_;  // by lower-case name
+    std::mutex apiClassesMutex_;
+    std::map<std::string, OpenWBEM::CIMClass> apiClasses_;  // by lower-case name; entries are never removed
 };
 
 }  // namespace cimhost

@@ -217,6 +217,26 @@ inline CimCall invokeMethod(const std::string& className, const Keys& keys, cons
 
 inline Keys rowKeys(const std::string& prefix, int row) { return {{"InstanceID", prefix + std::to_string(row)}}; }
 
+// EnumerateInstances and EnumerateInstanceNames of each class in turn
+// (the service first, then the prefix rows: calls 2 and 3), then
+// GetInstance of one instance of each class.
+inline std::vector<CimCall> enumerationsAndGets() {
+    const char* classes[] = {"QTX_CDRService", "QTX_CDRServicePrefixBin", "QTX_CDRServiceAccessBin",
+                             "QTX_CDRPushSetting", "QTX_CDRPushStatistics", "QTX_CDRPullStatistics"};
+    std::vector<CimCall> calls;
+    for (const char* cls : classes) {
+        calls.push_back(enumerateInstances(cls));
+        calls.push_back(enumerateInstanceNames(cls));
+    }
+    calls.push_back(getInstance("QTX_CDRService", serviceKeys()));
+    calls.push_back(getInstance("QTX_CDRServicePrefixBin", rowKeys("CDRServicePrefixBin_", 5)));
+    calls.push_back(getInstance("QTX_CDRServiceAccessBin", rowKeys("CDRServiceAccessBin_", 2)));
+    calls.push_back(getInstance("QTX_CDRPushSetting", {{"InstanceID", "CDRPushSetting"}}));
+    calls.push_back(getInstance("QTX_CDRPushStatistics", {{"Name", "CDRPushStatistic"}}));
+    calls.push_back(getInstance("QTX_CDRPullStatistics", {{"Name", "CDRPullStatistic"}}));
+    return calls;
+}
+
 // The bytes of a binary registry entry as `zpo reg get` prints them; nullopt
 // when the entry is missing or not binary.
 inline std::optional<std::vector<unsigned>> registryBinary(const std::string& section, const std::string& key,

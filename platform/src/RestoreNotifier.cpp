@@ -7,6 +7,7 @@
 #include <atomic>
 #include <cerrno>
 #include <cstdint>
+#include <cstdlib>
 #include <cstring>
 #include <dirent.h>
 #include <memory>
@@ -34,10 +35,13 @@ struct Listener {
   std::atomic<bool> stopping{false};
   std::mutex lock;
   std::vector<Registration> registrations;
+  // Held while callbacks run; once `stopping` is set under it, none starts.
+  std::mutex callbackLock;
 };
 
 std::mutex gListenerLock;
 std::shared_ptr<Listener> gListener;
+bool gExitHandlerInstalled = false;  // guarded by gListenerLock
 
 bool socketAddress(const std::string& path, sockaddr_un* address) {
   std::memset(address, 0, sizeof *address);
@@ -63,9 +67,25 @@ void listen(std::shared_ptr<Listener> listener) {
         if ((registration.eventMask & event) != 0) wanted.push_back(registration);
       }
     }
+    std::lock_guard<std::mutex> running(listener->callbackLock);
+    if (listener->stopping) break;
     for (const Registration& registration : wanted) registration.callback(static_cast<unsigned long>(event));
   }
   ::close(listener->fd);
+}
+
+// Runs at exit before the static objects made before the listener started
+// (the registry connection, the callers' own) are destroyed: waits for a
+// running callback to return and lets no other start.
+void stopCallbacksAtExit() {
+  std::shared_ptr<Listener> listener;
+  {
+    std::lock_guard<std::mutex> hold(gListenerLock);
+    listener = gListener;
+  }
+  if (!listener) return;
+  std::lock_guard<std::mutex> running(listener->callbackLock);
+  listener->stopping = true;
 }
 
 std::shared_ptr<Listener> startListener(std::string* error) {
@@ -89,6 +109,7 @@ std::shared_ptr<Listener> startListener(std::string* error) {
     return nullptr;
   }
   std::thread(listen, listener).detach();
+  if (!gExitHandlerInstalled) gExitHandlerInstalled = std::atexit(stopCallbacksAtExit) == 0;
   return listener;
 }
 

@@ -15,17 +15,31 @@
 #include <thread>
 #include <unistd.h>
 
+// Set in the child of the exit test, which leaks its parent's connection
+// (a child of fork forgets it on purpose): no leak check there.
+static bool gExitingChild = false;
+extern "C" int __lsan_is_turned_off() { return gExitingChild ? 1 : 0; }
+
 namespace {
 
 std::atomic<unsigned long> gRestoreEvent{0};
 std::atomic<int> gOtherEventCalls{0};
 int gReportFd = -1;
+std::atomic<bool> gCallbackStarted{false};
 
 void recordRestore(unsigned long event) { gRestoreEvent = event; }
 void recordOther(unsigned long) { ++gOtherEventCalls; }
 void reportToParent(unsigned long event) {
   const char byte = static_cast<char>(event);
   (void)!write(gReportFd, &byte, 1);
+}
+
+// Reports "s" when it starts and "f" when it finishes, a while later.
+void reportStartAndFinish(unsigned long) {
+  gCallbackStarted = true;
+  (void)!write(gReportFd, "s", 1);
+  std::this_thread::sleep_for(std::chrono::milliseconds(300));
+  (void)!write(gReportFd, "f", 1);
 }
 
 class RestoreNotification : public ::testing::Test {
@@ -111,6 +125,32 @@ TEST_F(RestoreNotification, SocketOfADeadProcessIsRemoved) {
   close(fd);  // the file stays, nobody listens
   ASSERT_EQ(0, zpo("reg restore " + backupFile()));
   EXPECT_FALSE(std::filesystem::exists(stale));
+}
+
+TEST_F(RestoreNotification, ExitWaitsForARunningCallbackToFinish) {
+  int report[2];
+  ASSERT_EQ(0, pipe(report));
+  const pid_t child = fork();
+  ASSERT_GE(child, 0);
+  if (child == 0) {
+    close(report[0]);
+    gReportFd = report[1];
+    gExitingChild = true;
+    if (ZpoNotifyRegBackupAndRestore("CDROAMProvider", reportStartAndFinish, 2) != ZPO_OK) _exit(1);
+    if (zpo("reg restore " + backupFile()) != 0) _exit(1);
+    for (int i = 0; i < 300 && !gCallbackStarted; ++i) std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    std::exit(0);  // while the callback sleeps
+  }
+  close(report[1]);
+  std::string reported;
+  pollfd wait = {report[0], POLLIN, 0};
+  char byte = 0;
+  while (poll(&wait, 1, 5000) == 1 && read(report[0], &byte, 1) == 1) reported += byte;
+  close(report[0]);
+  int status = 0;
+  waitpid(child, &status, 0);
+  EXPECT_EQ("sf", reported);
+  EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0);
 }
 
 }  // namespace

@@ -2,6 +2,7 @@
 
 #include <stdio.h>
 
+#include "CDREntryLock.hpp"
 #include "CDRRegistryAccess.hpp"
 #include "QTX_CDRPullStatisticsImpl.h"
 #include "QTX_CDRPushSettingImpl.h"
@@ -62,17 +63,20 @@ CDROAMWrap::~CDROAMWrap() {
 extern "C" {
 
 CDROAMWrap* createCDROAMInstances() {
+  CDREntryLock hold;
   CDROAMWrap::globalPtr = new CDROAMWrap();
   return CDROAMWrap::globalPtr;
 }
 
 // globalPtr is left as it is: callers call this once.
 void releaseCDROAMInstances() {
+  CDREntryLock hold;
   if (CDROAMWrap::globalPtr != 0) delete CDROAMWrap::globalPtr;
 }
 
 // Runs on the platform's notification thread: nothing may escape from it.
 void C_RestoreCallBackHdlr(unsigned long value) {
+  CDREntryLock hold;
   if (gCDRPushInstance == 0) return;
   try {
     gCDRPushInstance->RestoreCallBackHdlr(value);

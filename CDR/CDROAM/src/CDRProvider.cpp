@@ -8,6 +8,7 @@
 #include "OW_Logger.hpp"
 #include "OW_ProviderEnvironmentIFC.hpp"
 
+#include "CDREntryLock.hpp"
 #include "CDROAMWrap.h"
 #include "CFG_Exception.h"
 #include "QTX_CDRPullStatisticsProvider.h"
@@ -156,7 +157,14 @@ void logError(const OW_NAMESPACE::ProviderEnvironmentIFCRef& env, const String& 
   throw CIMException(kSourcePath, line, CIMException::FAILED, text.c_str());
 }
 
+// Not recursive: nothing the module calls while holding it enters the module
+// again on the same thread (the restore notification has a thread of its own).
+std::mutex gEntryMutex;
+
 }  // namespace
+
+CDREntryLock::CDREntryLock() : m_hold(gEntryMutex) {}
+CDREntryLock::~CDREntryLock() {}
 
 CDRProvider::~CDRProvider() {}
 
@@ -165,6 +173,7 @@ CDRProvider::CIMValue CDRProvider::invokeMethod(const ProviderEnvironmentIFCRef&
                                                 const String& methodName,
                                                 const OW_NAMESPACE::CIMParamValueArray& in,
                                                 OW_NAMESPACE::CIMParamValueArray& out) {
+  CDREntryLock hold;
   try {
     size_t i = classIndex(ClassNameOf<CIMObjectPath>(path), kInvokeMethod);
     return kMethodProviders[i]->invokeMethod(env, ns, path, methodName, in, out);
@@ -174,6 +183,7 @@ CDRProvider::CIMValue CDRProvider::invokeMethod(const ProviderEnvironmentIFCRef&
 }
 
 void CDRProvider::initialize(const ProviderEnvironmentIFCRef& env) {
+  CDREntryLock hold;
   QTX_CDRPushSettingProv.initialize(env);
   QTX_CDRPushStatisticsProv.initialize(env);
   QTX_CDRPullStatisticsProv.initialize(env);
@@ -189,6 +199,7 @@ void CDRProvider::enumInstanceNames(const ProviderEnvironmentIFCRef& env, const 
                                     const String& className,
                                     OW_NAMESPACE::CIMObjectPathResultHandlerIFC& result,
                                     const CIMClass& cimClass) {
+  CDREntryLock hold;
   try {
     size_t i = classIndex(NameArgument(className), kEnumInstanceNames);
     kInstanceProviders[i]->enumInstanceNames(env, ns, className, result, cimClass);
@@ -206,6 +217,7 @@ void CDRProvider::enumInstances(const ProviderEnvironmentIFCRef& env, const Stri
                                 OW_NAMESPACE::WBEMFlags::EIncludeClassOriginFlag includeClassOrigin,
                                 const StringArray* propertyList, const CIMClass& requestedClass,
                                 const CIMClass& cimClass) {
+  CDREntryLock hold;
   try {
     size_t i = classIndex(NameArgument(className), kEnumInstances);
     kInstanceProviders[i]->enumInstances(env, ns, className, result, localOnly, deep,
@@ -222,6 +234,7 @@ CDRProvider::CIMInstance CDRProvider::getInstance(
     OW_NAMESPACE::WBEMFlags::EIncludeQualifiersFlag includeQualifiers,
     OW_NAMESPACE::WBEMFlags::EIncludeClassOriginFlag includeClassOrigin,
     const StringArray* propertyList, const CIMClass& cimClass) {
+  CDREntryLock hold;
   try {
     size_t i = classIndex(ClassNameOf<CIMObjectPath>(instanceName), kGetInstance);
     return kInstanceProviders[i]->getInstance(env, ns, instanceName, localOnly, includeQualifiers,
@@ -234,6 +247,7 @@ CDRProvider::CIMInstance CDRProvider::getInstance(
 CDRProvider::CIMObjectPath CDRProvider::createInstance(const ProviderEnvironmentIFCRef& env,
                                                        const String& ns,
                                                        const CIMInstance& cimInstance) {
+  CDREntryLock hold;
   try {
     size_t i = classIndex(ClassNameOf<CIMInstance>(cimInstance), kCreateInstance);
     return kInstanceProviders[i]->createInstance(env, ns, cimInstance);
@@ -244,6 +258,7 @@ CDRProvider::CIMObjectPath CDRProvider::createInstance(const ProviderEnvironment
 
 void CDRProvider::deleteInstance(const ProviderEnvironmentIFCRef& env, const String& ns,
                                  const CIMObjectPath& cop) {
+  CDREntryLock hold;
   try {
     size_t i = classIndex(ClassNameOf<CIMObjectPath>(cop), kDeleteInstance);
     kInstanceProviders[i]->deleteInstance(env, ns, cop);
@@ -257,6 +272,7 @@ void CDRProvider::modifyInstance(const ProviderEnvironmentIFCRef& env, const Str
                                  const CIMInstance& previousInstance,
                                  OW_NAMESPACE::WBEMFlags::EIncludeQualifiersFlag includeQualifiers,
                                  const StringArray* propertyList, const CIMClass& theClass) {
+  CDREntryLock hold;
   try {
     size_t i = classIndex(ClassNameOf<CIMInstance>(modifiedInstance), kModifyInstance);
     kInstanceProviders[i]->modifyInstance(env, ns, modifiedInstance, previousInstance,
@@ -272,6 +288,7 @@ void CDRProvider::associators(const ProviderEnvironmentIFCRef&,
                               const String&, OW_NAMESPACE::WBEMFlags::EIncludeQualifiersFlag,
                               OW_NAMESPACE::WBEMFlags::EIncludeClassOriginFlag,
                               const StringArray*) {
+  CDREntryLock hold;
   throw CIMException(kSourcePath, kAssociatorsLine, CIMException::INVALID_CLASS);
 }
 
@@ -279,6 +296,7 @@ void CDRProvider::associatorNames(const ProviderEnvironmentIFCRef&,
                                   OW_NAMESPACE::CIMObjectPathResultHandlerIFC&, const String&,
                                   const CIMObjectPath&, const String&, const String&,
                                   const String&, const String&) {
+  CDREntryLock hold;
   throw CIMException(kSourcePath, kAssociatorNamesLine, CIMException::INVALID_CLASS);
 }
 
@@ -288,16 +306,19 @@ void CDRProvider::references(const ProviderEnvironmentIFCRef&,
                              OW_NAMESPACE::WBEMFlags::EIncludeQualifiersFlag,
                              OW_NAMESPACE::WBEMFlags::EIncludeClassOriginFlag,
                              const StringArray*) {
+  CDREntryLock hold;
   throw CIMException(kSourcePath, kReferencesLine, CIMException::INVALID_CLASS);
 }
 
 void CDRProvider::referenceNames(const ProviderEnvironmentIFCRef&,
                                  OW_NAMESPACE::CIMObjectPathResultHandlerIFC&, const String&,
                                  const CIMObjectPath&, const String&, const String&) {
+  CDREntryLock hold;
   throw CIMException(kSourcePath, kReferenceNamesLine, CIMException::INVALID_CLASS);
 }
 
 void CDRProvider::cleanup() {
+  CDREntryLock hold;
   QTX_CDRPushSettingProv.cleanup();
   QTX_CDRPushStatisticsProv.cleanup();
   QTX_CDRPullStatisticsProv.cleanup();
