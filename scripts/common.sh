@@ -10,7 +10,8 @@ REQUIRED_PACKAGES=(
   cmake g++ make pkg-config
   libsqlite3-dev sqlite3
   libgtest-dev libgmock-dev libbenchmark-dev
-  libcpp-httplib-dev libpugixml-dev libcrypt-dev
+  libcpp-httplib-dev libpugixml-dev libcrypt-dev libssl-dev
+  libcli11-dev nlohmann-json3-dev
   sblim-wbemcli curl
   clang libclang-rt-14-dev
 )

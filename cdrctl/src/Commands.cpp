@@ -598,6 +598,7 @@ int run(int argc, char** argv) {
         }
         return failure.exitCode;
     };
+    if (const char* password = std::getenv("CDRCTL_PASSWORD")) options.connection.password = password;
     try {
         Session session(options);
         if (*show) return showCommand(session, objectName.empty() ? "" : findObject(objectName)->name);
