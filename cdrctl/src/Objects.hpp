@@ -15,8 +15,7 @@ enum class Rule {
     Number,        // decimal whole number in [min, max]
     Boolean,       // true/false (also yes/no, on/off, 1/0)
     Text,          // printable ASCII, at most 511 characters
-    FeatureCode,   // digits, at most 3 characters (two are stored)
-    Digits,        // digits, at most `max` characters (empty clears the row)
+    Digits,        // digits, at most `max` characters
     SuppressCount, // digits, at most 2 characters, 0 to 16
     Time,          // H:MM or HH:MM, hour 0-23, minute 0-59
     Day,           // decimal number in [min, max]

@@ -95,19 +95,9 @@ std::string checkedValue(const PropertySpec& property, const std::string& value)
         case Rule::Text:
             checkText(property, value);
             return value;
-        case Rule::FeatureCode:
-            if (value.size() > property.max) refuse(property, property.tooHigh);
-            if (!allDigits(value)) {
-                refuse(property, std::string(property.name) +
-                                     " takes digits only: the device stores any other character as 0");
-            }
-            return value;
         case Rule::Digits:
             if (value.size() > property.max) refuse(property, property.tooHigh);
-            if (!allDigits(value)) {
-                refuse(property, std::string(property.name) +
-                                     " takes the digits 0-9 only; the device refuses anything else (status 301)");
-            }
+            if (!allDigits(value)) refuse(property, std::string(property.name) + " " + property.note);
             return value;
         case Rule::SuppressCount:
             if (value.size() > 2) refuse(property, property.tooHigh);

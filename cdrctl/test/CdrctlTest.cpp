@@ -12,7 +12,7 @@
 #include <regex>
 
 #include "CimClient.hpp"
-#include "HostProcess.hpp"
+#include "LoadSupport.hpp"
 
 namespace cdrctl::test {
 namespace {
@@ -23,28 +23,17 @@ using cimhost::test::runCommand;
 using cimhost::test::TempDir;
 using nlohmann::json;
 
-// A configured device: every service setting readable, the bins empty, a
+// Beside the configured service of the host's tests: the bins empty, and a
 // push server entered while no push is scheduled.
-const char* const kSeed[] = {
-    "set-binary CDR CDRService FORMAT 01",           "set-binary CDR CDRService TYPE 00",
-    "set-binary CDR CDRService LANG 00",             "set-binary CDR CDRService FILTER 00",
-    "set-binary CDR CDRService 'FEATURE CODE' f912", "set-binary CDR CDRService DATE 00",
-    "set-binary CDR CDRService HEADER 00",           "set-binary CDR CDRService DNIS 00",
-    "set-binary CDR CDRService CONNECT 00",          "set-binary CDR CDRService DIGITSSUPP 00",
-    "set-binary CDR CDRService DIGITSLIMIT 0010",    "set-binary CDR CDRService SCHEDULE 00",
-    "set-binary CDR CDRService FILESIZE 0a",         "set-int CDR CDRService DISKLIMIT 100",
-    "set-binary CDR CDRService NAME 00",             "set-binary CDR CDRService LONGID 00",
-    "set-binary CDR CDRService CALLTYPE 00",         "set-binary CDR CDRService CHARGE 00",
-    "set-binary CDR CDRService SUPERVISE 00",        "set-binary CDR CDRService TIME 00",
-    "set-binary CDR CDRService HOSPITAL 00",
+const char* const kPushSeed[] = {
     "set-binary CDR CDRService 'PREFIX BIN' "
     "0c0c0c0c0c0c0c0c0c0c0c0c0c0c0c0c0c0c0c0c0c0c0c0c0c0c0c0c0c0c0c0c0c0c0c0c0c0c0c0c0c0c0c0c0c0c0c0c0c0c0c0c0c0c0c0c0c0c0c0c0c0c0c0c",
     "set-binary CDR CDRService 'ACCESS BIN' 0c0c0c0c0c000c0c0c0c0c000c0c0c0c0c000c0c0c0c0c000c0c0c0c0c00",
-    "set-binary CDR CDRPush TransferType 04",        "set-string CDR CDRPush IpAddr 192.0.2.10",
-    "set-string CDR CDRPush UserName cdr",           "set-string CDR CDRPush Password s3cret",
-    "set-string CDR CDRPush DestFolder /cdr/in",     "set-binary CDR CDRPush NumRetry 03",
-    "set-binary CDR CDRPush CompressFlag 00",        "set-binary CDR CDRPush DeleteFlag 01",
-    "set-binary CDR CDRPush IncludeMetricsFlag 00",  "set-string CDR CDRPush TranTime 08:00",
+    "set-binary CDR CDRPush TransferType 04",       "set-string CDR CDRPush IpAddr 192.0.2.10",
+    "set-string CDR CDRPush UserName cdr",          "set-string CDR CDRPush Password s3cret",
+    "set-string CDR CDRPush DestFolder /cdr/in",    "set-binary CDR CDRPush NumRetry 03",
+    "set-binary CDR CDRPush CompressFlag 00",       "set-binary CDR CDRPush DeleteFlag 01",
+    "set-binary CDR CDRPush IncludeMetricsFlag 00", "set-string CDR CDRPush TranTime 08:00",
 };
 
 class Cdrctl : public ::testing::Test {
@@ -53,7 +42,8 @@ protected:
         setenv("ZPO_ROOT", state.path().c_str(), 1);
         unsetenv("CDRCTL_USER");
         unsetenv("CDRCTL_PASSWORD");
-        for (const char* entry : kSeed) ASSERT_EQ(zpo(std::string("reg ") + entry).exitCode, 0) << entry;
+        for (const std::string& entry : cimhost::test::deviceSeed()) ASSERT_EQ(zpo("reg " + entry).exitCode, 0);
+        for (const char* entry : kPushSeed) ASSERT_EQ(zpo(std::string("reg ") + entry).exitCode, 0) << entry;
         startHost({});
     }
 
