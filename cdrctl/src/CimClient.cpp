@@ -234,7 +234,9 @@ void CimClient::setCredentials(std::string user, std::string password) {
 }
 
 std::string CimClient::post(const std::string& cimMethod, const std::string& cimObject, const std::string& body) {
-    httplib::Headers headers{{"CIMOperation", "MethodCall"},
+    // OpenWBEM 3.0 answers 406 to a request that does not accept XML.
+    httplib::Headers headers{{"Accept", "application/xml"},
+                             {"CIMOperation", "MethodCall"},
                              {"CIMMethod", cimMethod},
                              {"CIMObject", cimObject},
                              {"CIMProtocolVersion", "1.0"}};

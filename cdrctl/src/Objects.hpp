@@ -64,7 +64,7 @@ struct ValueRefused {
 std::string checkedValue(const PropertySpec& property, const std::string& value);
 
 // Words for the setter statuses the module reports as CIM error 1 messages.
-const char* statusMeaning(const std::string& message);
+const char* statusMeaning(const std::string& description);
 // Words for a transfer type value, e.g. "daily".
 std::string transferTypeMeaning(const std::string& value);
 

@@ -131,7 +131,13 @@ std::string checkedValue(const PropertySpec& property, const std::string& value)
     return value;
 }
 
-const char* statusMeaning(const std::string& message) {
+const char* statusMeaning(const std::string& description) {
+    // OpenWBEM 3.0 puts the provider's message in parentheses after the
+    // code's own text: "general error (301)".
+    std::string message = description;
+    size_t open = description.rfind(" (");
+    if (open != std::string::npos && description.back() == ')')
+        message = description.substr(open + 2, description.size() - open - 3);
     if (message == "100") return "status 100: the device could not read the value from its registry";
     if (message == "101") return "status 101: the device could not write the value to its registry";
     if (message == "301") return "status 301: the device refused the value as invalid";
