@@ -244,7 +244,7 @@ std::string CimClient::post(const std::string& cimMethod, const std::string& cim
     if (!result) {
         std::string reason = httplib::to_string(result.error());
         if (result.error() == httplib::Error::SSLServerVerification)
-            reason += " (the server's certificate is not trusted: give --cacert FILE, or --insecure)";
+            reason += " (the server's certificate is not trusted or not issued for this host name: give --cacert FILE, or --insecure)";
         throw TransportError("no answer from " + connection_.url + ": " + reason);
     }
     if (result->status == 401) {
