@@ -119,7 +119,8 @@ void booleanParameter(XmlWriter& xml, const char* name, bool value) {
 pugi::xml_node answer(const pugi::xml_document& document, const char* responseElement) {
     pugi::xml_node response =
         document.child("CIM").child("MESSAGE").child("SIMPLERSP").child(responseElement);
-    if (!response) throw TransportError("the answer is not a CIM-XML response (no " + std::string(responseElement) + ")");
+    if (!response)
+        throw TransportError("the answer is not a CIM-XML response (no " + std::string(responseElement) + ")");
     if (pugi::xml_node error = response.child("ERROR")) {
         throw CimError(std::atoi(error.attribute("CODE").value()), error.attribute("DESCRIPTION").value());
     }
@@ -244,7 +245,8 @@ std::string CimClient::post(const std::string& cimMethod, const std::string& cim
     if (!result) {
         std::string reason = httplib::to_string(result.error());
         if (result.error() == httplib::Error::SSLServerVerification)
-            reason += " (the server's certificate is not trusted or not issued for this host name: give --cacert FILE, or --insecure)";
+            reason += " (the server's certificate is not trusted or not issued for this host name: give "
+                      "--cacert FILE, or --insecure)";
         throw TransportError("no answer from " + connection_.url + ": " + reason);
     }
     if (result->status == 401) {
@@ -277,7 +279,8 @@ std::vector<InstanceName> CimClient::enumerateInstanceNames(const std::string& c
             .selfClosed("CLASSNAME", {{"NAME", className}})
             .end("IPARAMVALUE");
     });
-    pugi::xml_document document = parseResponse(post("EnumerateInstanceNames", headerEncode(connection_.nameSpace), body));
+    pugi::xml_document document =
+        parseResponse(post("EnumerateInstanceNames", headerEncode(connection_.nameSpace), body));
     std::vector<InstanceName> names;
     for (pugi::xml_node name : answer(document, "IMETHODRESPONSE").child("IRETURNVALUE").children("INSTANCENAME"))
         names.push_back(readInstanceName(name));
@@ -304,7 +307,8 @@ std::string CimClient::modifyInstanceBody(const InstanceName& name, const std::v
         xml.start("IPARAMVALUE", {{"NAME", "ModifiedInstance"}}).start("VALUE.NAMEDINSTANCE");
         writeInstanceName(xml, name);
         xml.start("INSTANCE", {{"CLASSNAME", name.className}});
-        for (const KeyBinding& key : name.keys) writeProperty(xml, {key.name, "string", CimValue::scalar(key.text), {}});
+        for (const KeyBinding& key : name.keys)
+            writeProperty(xml, {key.name, "string", CimValue::scalar(key.text), {}});
         for (const CimProperty& property : properties) writeProperty(xml, property);
         xml.end("INSTANCE").end("VALUE.NAMEDINSTANCE").end("IPARAMVALUE");
         booleanParameter(xml, "IncludeQualifiers", false);
@@ -319,8 +323,8 @@ std::string CimClient::modifyInstanceBody(const InstanceName& name, const std::v
 }
 
 void CimClient::modifyInstance(const InstanceName& name, const std::vector<CimProperty>& properties) {
-    pugi::xml_document document =
-        parseResponse(post("ModifyInstance", headerEncode(connection_.nameSpace), modifyInstanceBody(name, properties)));
+    std::string body = modifyInstanceBody(name, properties);
+    pugi::xml_document document = parseResponse(post("ModifyInstance", headerEncode(connection_.nameSpace), body));
     answer(document, "IMETHODRESPONSE");
 }
 

@@ -387,8 +387,8 @@ int setCommand(Session& session, const std::string& objectName, std::optional<in
             std::string writable;
             for (const PropertySpec& p : object.properties)
                 if (p.rule != Rule::None) writable += (writable.empty() ? "" : ", ") + std::string(p.name);
-            throw CommandFailure{kUsage, std::string(object.name) + " has no property \"" + name + "\"; " +
-                                             (writable.empty() ? "nothing of it can be set" : "it can set: " + writable),
+            std::string settable = writable.empty() ? "nothing of it can be set" : "it can set: " + writable;
+            throw CommandFailure{kUsage, std::string(object.name) + " has no property \"" + name + "\"; " + settable,
                                  {}};
         }
         for (const Assignment& a : assignments)
