@@ -148,9 +148,10 @@ std::optional<int> rowOf(const InstanceName& name) {
     if (name.keys.empty()) return std::nullopt;
     const std::string& key = name.keys.front().text;
     size_t underscore = key.rfind('_');
-    if (underscore == std::string::npos || underscore + 1 == key.size()) return std::nullopt;
+    if (underscore == std::string::npos) return std::nullopt;
     std::string digits = key.substr(underscore + 1);
-    if (!std::all_of(digits.begin(), digits.end(), ::isdigit)) return std::nullopt;
+    if (digits.empty() || digits.size() > 6 || !std::all_of(digits.begin(), digits.end(), ::isdigit))
+        return std::nullopt;
     return std::atoi(digits.c_str());
 }
 
