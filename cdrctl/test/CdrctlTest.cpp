@@ -7,6 +7,7 @@
 #include <netinet/in.h>
 #include <sys/socket.h>
 
+#include <atomic>
 #include <memory>
 #include <optional>
 #include <nlohmann/json.hpp>
@@ -344,6 +345,47 @@ TEST_F(Cdrctl, TransportAndCredentialErrorsAreNamed) {
     CommandResult allowed = cdrctl("set push NumRetry=5");
     EXPECT_EQ(allowed.exitCode, 0) << allowed.err;
     EXPECT_EQ(entry("CDRPush", "NumRetry"), "binary 05\n");
+}
+
+// Whatever answers that is not CIM-XML is named for what it is.
+TEST(CdrctlAnswers, AnswersThatAreNotCimXmlAreNamed) {
+    struct Answer {
+        int status;
+        const char* cimError;
+        const char* body;
+        const char* message;
+    };
+    const Answer answers[] = {
+        {400, "request-not-valid", "", "the object manager answered HTTP 400 Bad Request (CIMError: request-not-valid)"},
+        {200, nullptr, "<html></html>", "the answer is not a CIM-XML response (no IMETHODRESPONSE)"},
+        {200, nullptr, "<CIM><", "the answer is not well-formed XML"},
+    };
+    std::atomic<size_t> current{0};
+    httplib::Server server;
+    server.Post("/cimom", [&](const httplib::Request& request, httplib::Response& response) {
+        // OpenWBEM 3.0 refuses requests that do not accept XML.
+        if (request.get_header_value("Accept") != "application/xml") {
+            response.status = 406;
+            return;
+        }
+        const Answer& answer = answers[current];
+        response.status = answer.status;
+        if (answer.cimError) response.set_header("CIMError", answer.cimError);
+        response.set_content(answer.body, "application/xml");
+    });
+    int port = server.bind_to_any_port("127.0.0.1");
+    std::thread serving([&] { server.listen_after_bind(); });
+    TempDir scratch;
+    for (size_t i = 0; i < std::size(answers); ++i) {
+        current = i;
+        CommandResult shown = runCommand(std::string(CDRCTL_BINARY) + " show push --url http://127.0.0.1:" +
+                                             std::to_string(port) + " </dev/null",
+                                         scratch);
+        EXPECT_EQ(shown.exitCode, 4);
+        EXPECT_TRUE(contains(shown.err, answers[i].message)) << shown.err;
+    }
+    server.stop();
+    serving.join();
 }
 
 // The object manager adds every class property it is not told to leave out,
