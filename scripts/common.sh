@@ -5,19 +5,28 @@ set -euo pipefail
 ROOT_DIR="$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)"
 BUILD_DIR="${BUILD_DIR:-$ROOT_DIR/build}"
 
-# Debian 12 packages the build, the tests and the host need.
-REQUIRED_PACKAGES=(
+# Debian 12 packages serving needs (module, platform, cimhost, cdrctl and the
+# wbemcli the hints name), and those only the tests, benchmarks and fuzzing need.
+SERVE_PACKAGES=(
   cmake g++ make pkg-config
-  libsqlite3-dev sqlite3
+  libsqlite3-dev
+  libcpp-httplib-dev libpugixml-dev libcrypt-dev libssl-dev
+  libcli11-dev nlohmann-json3-dev
+  sblim-wbemcli
+)
+REQUIRED_PACKAGES=(
+  "${SERVE_PACKAGES[@]}"
+  sqlite3
   libgtest-dev libgmock-dev libbenchmark-dev
-  libcpp-httplib-dev libpugixml-dev libcrypt-dev
-  sblim-wbemcli curl
+  curl
   clang libclang-rt-14-dev
 )
 
+# Installs the named packages, by default REQUIRED_PACKAGES, that are missing.
 ensure_packages() {
-  local missing=() p
-  for p in "${REQUIRED_PACKAGES[@]}" "$@"; do
+  local missing=() p wanted=("$@")
+  [ ${#wanted[@]} -eq 0 ] && wanted=("${REQUIRED_PACKAGES[@]}")
+  for p in "${wanted[@]}"; do
     dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || missing+=("$p")
   done
   [ ${#missing[@]} -eq 0 ] && return 0

@@ -1,0 +1,3 @@
+#include "Commands.hpp"
+
+int main(int argc, char** argv) { return cdrctl::run(argc, argv); }
