@@ -11,6 +11,7 @@ REQUIRED_PACKAGES=(
   libsqlite3-dev sqlite3
   libgtest-dev libgmock-dev libbenchmark-dev
   libcpp-httplib-dev libpugixml-dev libcrypt-dev
+  libboost-dev libboost-system-dev libssl-dev openssl
   sblim-wbemcli curl
   clang libclang-rt-14-dev
 )
