@@ -242,6 +242,8 @@ private:
         if (ec == http::error::body_limit) {
             server_.log.error("refused a request body over " + std::to_string(limits_.maxBodyBytes) +
                               " bytes from " + remote_);
+            parser_.reset();
+            trimAfterReply_ = true;
             return reply(refusal(http::status::payload_too_large));
         }
         if (ec == http::error::header_limit) {

@@ -62,9 +62,13 @@ int main(int argc, char** argv) {
     sigaddset(&stopSignals, SIGTERM);
     pthread_sigmask(SIG_BLOCK, &stopSignals, nullptr);
     std::signal(SIGPIPE, SIG_IGN);
-    // Two allocator arenas whatever the number of threads, so that memory a
-    // large request took is found and reused by the next.
+    // Two allocator arenas whatever the number of threads, and blocks of
+    // 128 KiB or more (request bodies, large answers) mapped on their own,
+    // so that the memory a large request took goes back to the system when
+    // it is answered. A fixed threshold also stops glibc from raising it
+    // after the first large block is freed.
     mallopt(M_ARENA_MAX, 2);
+    mallopt(M_MMAP_THRESHOLD, 128 * 1024);
 
     std::unique_ptr<HostLog> log;
     try {
