@@ -122,7 +122,7 @@ bool cimObjectMatches(const std::string& header, const CimRequest& request) {
 class HttpServer::Impl {
 public:
     Impl(RequestHandler& handler, const Authenticator* authenticator, HostLog& log, ServerLimits limits)
-        : handler(handler), authenticator(authenticator), log(log), limits(limits), acceptor(io),
+        : handler(handler), authenticator(authenticator), log(log), limits(limits), acceptor(io), acceptPause(io),
           workers(static_cast<size_t>(limits.workerThreads)) {}
 
     void accept();
@@ -137,6 +137,7 @@ public:
     const ServerLimits limits;
     net::io_context io;
     tcp::acceptor acceptor;
+    net::steady_timer acceptPause;
     std::optional<ssl::context> tls;
     net::thread_pool workers;
     std::atomic<int> connections{0};
@@ -364,12 +365,14 @@ private:
 void HttpServer::Impl::accept() {
     acceptor.async_accept(net::make_strand(io), [this](error_code ec, tcp::socket socket) {
         if (ec == net::error::operation_aborted) return;
-        if (ec) {
-            log.error("accepting a connection failed: " + ec.message());
-        } else {
+        if (!ec) {
             startSession(std::move(socket));
+            return accept();
         }
-        accept();
+        // Out of descriptors or memory: wait a little rather than spin.
+        log.error("accepting a connection failed: " + ec.message());
+        acceptPause.expires_after(std::chrono::milliseconds(100));
+        acceptPause.async_wait([this](error_code) { accept(); });
     });
 }
 

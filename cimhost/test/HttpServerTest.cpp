@@ -237,7 +237,8 @@ TEST_F(HostOverHttp, AnswersConnectionsOverTheLimitWith503) {
     std::string served;
     for (int attempt = 0; attempt < 50 && served.substr(0, 12) != "HTTP/1.1 200"; ++attempt) {
         RawConnection next(host->port());
-        next.send(postHead("EnumerateInstanceNames", "Content-Length: " + std::to_string(kEnumerate.size()) + "\r\n") +
+        next.send(postHead("EnumerateInstanceNames", "Connection: close\r\nContent-Length: " +
+                                                         std::to_string(kEnumerate.size()) + "\r\n") +
                   kEnumerate);
         served = next.receive(5000);
     }
