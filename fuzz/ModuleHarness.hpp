@@ -16,6 +16,7 @@
 #include "MofParser.hpp"
 #include "OperationDispatcher.hpp"
 #include "ProviderModule.hpp"
+#include "RequestScreen.hpp"
 
 namespace cimhost::fuzz {
 
@@ -49,13 +50,16 @@ public:
     }
 
     // Parses and answers one request body as the HTTP side does; the
-    // refusals the HTTP side turns into 400 and 501 are expected here.
+    // refusals the HTTP side turns into 400, 413 and 501 are expected here.
     void serve(const std::string& body) {
         try {
+            screenRequestBody(body, XmlBudget{});
             CimRequest request = parseCimRequest(body);
             dispatcher_->handle(request, "fuzz");
         } catch (const MalformedRequest&) {
         } catch (const InvalidRequest&) {
+        } catch (const OverBudget&) {
+        } catch (const UnsupportedVersion&) {
         } catch (const MultipleRequestsUnsupported&) {
         }
     }

@@ -11,6 +11,7 @@ SERVE_PACKAGES=(
   cmake g++ make pkg-config
   libsqlite3-dev
   libcpp-httplib-dev libpugixml-dev libcrypt-dev libssl-dev
+  libboost-dev libboost-system-dev openssl
   libcli11-dev nlohmann-json3-dev
   sblim-wbemcli
 )

@@ -1,5 +1,7 @@
 #include "Authenticator.hpp"
 
+#include "ClassDefinition.hpp"
+
 #include <crypt.h>
 #include <openssl/evp.h>
 
@@ -33,6 +35,26 @@ bool sameText(const std::string& a, const std::string& b) {
     return diff == 0;
 }
 
+// A crypt(3) hash of one of the "$id$" schemes: hashing with it as the
+// setting gives a text of the same form and length.
+bool isCryptHash(const std::string& hash) {
+    if (hash.size() < 4 || hash[0] != '$') return false;
+    auto data = std::make_unique<crypt_data>();
+    const char* probe = crypt_r("probe", hash.c_str(), data.get());
+    return probe && probe[0] == '$' && std::string(probe).size() == hash.size() &&
+           hash.compare(0, hash.rfind('$'), probe, hash.rfind('$')) == 0;
+}
+
+// The credentials of a Basic Authorization value; the scheme name is
+// matched ignoring case.
+std::optional<std::string> basicCredentials(const std::string& header) {
+    size_t space = header.find(' ');
+    if (space == std::string::npos || lowerCase(header.substr(0, space)) != "basic") return std::nullopt;
+    size_t token = header.find_first_not_of(' ', space);
+    if (token == std::string::npos) return std::nullopt;
+    return decodeBase64(header.substr(token));
+}
+
 }  // namespace
 
 Authenticator Authenticator::fromFile(const std::string& path) {
@@ -49,27 +71,33 @@ Authenticator Authenticator::fromFile(const std::string& path) {
         if (colon == std::string::npos || colon == 0 || colon + 1 == line.size()) {
             throw std::runtime_error(path + ":" + std::to_string(number) + ": expected user:hash");
         }
-        auth.hashes_[line.substr(0, colon)] = line.substr(colon + 1);
+        std::string hash = line.substr(colon + 1);
+        if (!isCryptHash(hash)) {
+            throw std::runtime_error(path + ":" + std::to_string(number) + ": the entry of " +
+                                     line.substr(0, colon) + " is not a crypt(3) hash");
+        }
+        auth.hashes_[line.substr(0, colon)] = hash;
     }
     if (auth.hashes_.empty()) throw std::runtime_error("auth file " + path + " names no user");
+    auth.unknownUserHash_ = auth.hashes_.begin()->second;
     return auth;
 }
 
 std::optional<std::string> Authenticator::check(const std::string& authorizationHeader) const {
-    const std::string scheme = "Basic ";
-    if (authorizationHeader.compare(0, scheme.size(), scheme) != 0) return std::nullopt;
-    std::optional<std::string> decoded = decodeBase64(authorizationHeader.substr(scheme.size()));
-    if (!decoded) return std::nullopt;
+    std::optional<std::string> decoded = basicCredentials(authorizationHeader);
+    if (!decoded || decoded->find('\0') != std::string::npos) return std::nullopt;
     size_t colon = decoded->find(':');
     if (colon == std::string::npos) return std::nullopt;
     std::string user = decoded->substr(0, colon);
     std::string password = decoded->substr(colon + 1);
+    // An unknown user costs the same hashing as a known one, so that the
+    // time taken does not tell which users exist.
     auto it = hashes_.find(user);
-    if (it == hashes_.end()) return std::nullopt;
+    const std::string& hash = it == hashes_.end() ? unknownUserHash_ : it->second;
     auto data = std::make_unique<crypt_data>();
-    const char* hashed = crypt_r(password.c_str(), it->second.c_str(), data.get());
-    if (!hashed || hashed[0] == '*') return std::nullopt;
-    if (!sameText(hashed, it->second)) return std::nullopt;
+    const char* hashed = crypt_r(password.c_str(), hash.c_str(), data.get());
+    bool matches = hashed && hashed[0] != '*' && sameText(hashed, hash);
+    if (!matches || it == hashes_.end()) return std::nullopt;
     return user;
 }
 

@@ -184,6 +184,16 @@ void readExtrinsicTarget(CimRequest& request, const pugi::xml_node& path) {
     }
 }
 
+// Only the major number is compared: minor versions are compatible.
+void requireMajorVersion(const pugi::xml_node& node, const char* attribute, const char* major,
+                         const char* cimError) {
+    std::string version = requiredAttribute(node, attribute);
+    std::string wanted = std::string(major) + ".";
+    if (version != major && version.compare(0, wanted.size(), wanted) != 0) {
+        throw UnsupportedVersion(cimError);
+    }
+}
+
 }  // namespace
 
 pugi::xml_node CimRequest::findParam(const std::string& name) const {
@@ -302,6 +312,8 @@ CimRequest parseCimRequest(const std::string& body) {
     }
     pugi::xml_node cim = document->document_element();
     if (!isElement(cim, "CIM")) throw InvalidRequest("the root element must be CIM");
+    requireMajorVersion(cim, "CIMVERSION", "2", "unsupported-cim-version");
+    requireMajorVersion(cim, "DTDVERSION", "2", "unsupported-dtd-version");
     std::vector<pugi::xml_node> top = elementChildren(cim);
     if (top.size() != 1 || !isElement(top[0], "MESSAGE")) throw InvalidRequest("CIM must hold one MESSAGE");
     CimRequest request;
@@ -311,6 +323,7 @@ CimRequest parseCimRequest(const std::string& body) {
     if (message.size() == 1 && isElement(message[0], "MULTIREQ")) {
         throw MultipleRequestsUnsupported("MULTIREQ is not supported");
     }
+    requireMajorVersion(top[0], "PROTOCOLVERSION", "1", "unsupported-protocol-version");
     if (message.size() != 1 || !isElement(message[0], "SIMPLEREQ")) {
         throw InvalidRequest("MESSAGE must hold one SIMPLEREQ");
     }

@@ -28,6 +28,13 @@ public:
     using std::runtime_error::runtime_error;
 };
 
+// A CIM, DTD or protocol version of another major number (HTTP 501); the
+// message is the CIMError value.
+class UnsupportedVersion : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
+
 // A MULTIREQ (HTTP 501, multiple-requests-unsupported).
 class MultipleRequestsUnsupported : public std::runtime_error {
 public:
@@ -104,8 +111,8 @@ private:
     pugi::xml_node findParam(const std::string& name) const;
 };
 
-// Parses a request body. Throws MalformedRequest, InvalidRequest or
-// MultipleRequestsUnsupported.
+// Parses a request body. Throws MalformedRequest, InvalidRequest,
+// UnsupportedVersion or MultipleRequestsUnsupported.
 CimRequest parseCimRequest(const std::string& body);
 
 }  // namespace cimhost

@@ -1,25 +1,97 @@
 #include "HttpServer.hpp"
 
 #include <arpa/inet.h>
-#include <httplib.h>
+#include <malloc.h>
+
+#include <atomic>
+#include <chrono>
+#include <optional>
+#include <thread>
+#include <type_traits>
+#include <vector>
+
+#include <boost/asio.hpp>
+#include <boost/asio/ssl.hpp>
+#include <boost/beast/core.hpp>
+#include <boost/beast/http.hpp>
+#include <boost/beast/ssl.hpp>
 
 #include "ClassDefinition.hpp"
 
 namespace cimhost {
+
+namespace net = boost::asio;
+namespace ssl = boost::asio::ssl;
+namespace beast = boost::beast;
+namespace http = boost::beast::http;
+using tcp = net::ip::tcp;
+using boost::system::error_code;
+using std::chrono::seconds;
+
 namespace {
 
 const char* const kXmlContentType = "application/xml; charset=\"utf-8\"";
+constexpr size_t kReadChunk = 16 * 1024;
+// Read and dropped after an answer that closes the connection, so that a
+// client still sending sees the answer rather than a reset.
+constexpr size_t kDrainBytes = 256 * 1024;
+constexpr seconds kDrainTime{2};
+// Requests or answers at least this large give their memory back to the
+// system once answered.
+constexpr size_t kTrimBytes = 256 * 1024;
+// Connections beyond the limit still being answered 503; more are closed
+// at once.
+constexpr int kMaxRefusing = 64;
 
-void refuse(httplib::Response& res, int status, const std::string& cimError) {
-    res.status = status;
-    if (!cimError.empty()) res.set_header("CIMError", cimError);
-    res.set_header("Connection", "close");
+using Request = http::request<http::string_body>;
+
+struct Answer {
+    http::status status = http::status::ok;
+    std::string cimError;
+    std::string body;
+    bool close = false;
+};
+
+Answer refusal(http::status status, const std::string& cimError = "") {
+    Answer answer;
+    answer.status = status;
+    answer.cimError = cimError;
+    answer.close = true;
+    return answer;
 }
 
 bool isXmlContentType(const std::string& value) {
     std::string lower = lowerCase(value);
     return lower.rfind("application/xml", 0) == 0 || lower.rfind("text/xml", 0) == 0;
 }
+
+std::string percentDecoded(const std::string& text) {
+    std::string out;
+    for (size_t i = 0; i < text.size(); ++i) {
+        if (text[i] == '%' && i + 2 < text.size() && std::isxdigit(static_cast<unsigned char>(text[i + 1])) &&
+            std::isxdigit(static_cast<unsigned char>(text[i + 2]))) {
+            out += static_cast<char>(std::stoi(text.substr(i + 1, 2), nullptr, 16));
+            i += 2;
+        } else {
+            out += text[i];
+        }
+    }
+    return out;
+}
+
+std::string trimmedSlashes(const std::string& text) {
+    size_t first = text.find_first_not_of('/');
+    if (first == std::string::npos) return "";
+    return text.substr(first, text.find_last_not_of('/') - first + 1);
+}
+
+// The credentials last accepted on a connection: a client repeating them
+// is not hashed again.
+struct AcceptedCredentials {
+    bool accepted = false;
+    std::string header;
+    std::string user;
+};
 
 }  // namespace
 
@@ -32,110 +104,439 @@ bool isLoopbackAddress(const std::string& host) {
     return false;
 }
 
+bool cimObjectMatches(const std::string& header, const CimRequest& request) {
+    std::string object = percentDecoded(header);
+    std::string nameSpace = object;
+    std::string className;
+    size_t colon = object.find(':');
+    if (colon != std::string::npos) {
+        nameSpace = object.substr(0, colon);
+        className = object.substr(colon + 1);
+        className = className.substr(0, className.find('.'));
+    }
+    if (!namesEqual(trimmedSlashes(nameSpace), request.nameSpace)) return false;
+    if (request.intrinsic) return colon == std::string::npos;
+    return namesEqual(className, request.target.className);
+}
+
+class HttpServer::Impl {
+public:
+    Impl(RequestHandler& handler, const Authenticator* authenticator, HostLog& log, ServerLimits limits)
+        : handler(handler), authenticator(authenticator), log(log), limits(limits), acceptor(io), acceptPause(io),
+          workers(static_cast<size_t>(limits.workerThreads)) {}
+
+    void accept();
+    void startSession(tcp::socket socket);
+    void noteRefusal(const std::string& remote);
+    Answer answer(const Request& request, const std::string& remote, AcceptedCredentials& credentials);
+    Answer answerCimCall(const Request& request, const std::string& remote, const std::string& user);
+
+    RequestHandler& handler;
+    const Authenticator* authenticator;
+    HostLog& log;
+    const ServerLimits limits;
+    net::io_context io;
+    tcp::acceptor acceptor;
+    net::steady_timer acceptPause;
+    std::optional<ssl::context> tls;
+    net::thread_pool workers;
+    std::atomic<int> connections{0};
+    std::atomic<int> refusing{0};
+    std::atomic<long> refusedSinceLog{0};
+    std::atomic<long long> lastRefusalLog{0};
+    std::string bindError;
+};
+
+namespace {
+
+// One client connection. Between requests it waits without a thread; a
+// request is read under one deadline, answered on the worker pool, and its
+// answer written under another.
+template <class Stream>
+class Session : public std::enable_shared_from_this<Session<Stream>> {
+public:
+    static constexpr bool kTls = !std::is_same_v<Stream, beast::tcp_stream>;
+
+    template <class... StreamArgs>
+    Session(HttpServer::Impl& server, std::string remote, bool refusing, StreamArgs&&... streamArgs)
+        : server_(server), limits_(server.limits), remote_(std::move(remote)), refusing_(refusing),
+          stream_(std::forward<StreamArgs>(streamArgs)...) {}
+    ~Session() { --(refusing_ ? server_.refusing : server_.connections); }
+
+    void start() {
+        if constexpr (kTls) {
+            lowest().expires_after(timeout(limits_.requestTimeoutSeconds));
+            stream_.async_handshake(ssl::stream_base::server, [self = this->shared_from_this()](error_code ec) {
+                if (ec) return self->close();
+                self->waitForRequest();
+            });
+        } else {
+            waitForRequest();
+        }
+    }
+
+private:
+    beast::tcp_stream& lowest() { return beast::get_lowest_layer(stream_); }
+
+    // A connection refused for the limit gets short deadlines.
+    seconds timeout(int configured) const { return refusing_ ? std::min(kDrainTime, seconds(configured)) : seconds(configured); }
+
+    void waitForRequest() {
+        parser_.emplace();
+        parser_->body_limit(limits_.maxBodyBytes);
+        parser_->header_limit(static_cast<std::uint32_t>(limits_.maxHeaderBytes));
+        if (buffer_.size() > 0) return readHeader();
+        lowest().expires_after(timeout(limits_.keepAliveTimeoutSeconds));
+        stream_.async_read_some(buffer_.prepare(kReadChunk),
+                                [self = this->shared_from_this()](error_code ec, size_t bytes) {
+                                    if (ec) return self->close();
+                                    self->buffer_.commit(bytes);
+                                    self->readHeader();
+                                });
+    }
+
+    // The deadline runs from the first byte of the request to its last.
+    void readHeader() {
+        lowest().expires_after(timeout(limits_.requestTimeoutSeconds));
+        http::async_read_header(stream_, buffer_, *parser_, [self = this->shared_from_this()](error_code ec, size_t) {
+            self->onHeader(ec);
+        });
+    }
+
+    void onHeader(error_code ec) {
+        if (ec) return failRead(ec);
+        const Request& request = parser_->get();
+        version_ = request.version();
+        keepAlive_ = request.keep_alive();
+        if (refusing_) return reply(refusal(http::status::service_unavailable));
+        if (static_cast<size_t>(std::distance(request.begin(), request.end())) > limits_.maxHeaderFields) {
+            server_.log.error("refused a request with over " + std::to_string(limits_.maxHeaderFields) +
+                              " header fields from " + remote_);
+            return reply(refusal(http::status::request_header_fields_too_large));
+        }
+        if (request.method() != http::verb::post) {
+            // M-POST needs the HTTP extension framework, which is not
+            // offered: 501 tells a client to fall back to POST.
+            if (request.method_string() == "M-POST") return reply(refusal(http::status::not_implemented));
+            return reply(refusal(http::status::method_not_allowed));
+        }
+        if (beast::iequals(request[http::field::expect], "100-continue")) {
+            auto proceed = std::make_shared<http::response<http::empty_body>>(http::status::continue_, version_);
+            http::async_write(stream_, *proceed, [self = this->shared_from_this(), proceed](error_code ec, size_t) {
+                if (ec) return self->close();
+                self->readBody();
+            });
+            return;
+        }
+        readBody();
+    }
+
+    void readBody() {
+        http::async_read(stream_, buffer_, *parser_, [self = this->shared_from_this()](error_code ec, size_t) {
+            if (ec) return self->failRead(ec);
+            self->lowest().expires_never();
+            self->dispatch();
+        });
+    }
+
+    void failRead(error_code ec) {
+        if (ec == http::error::body_limit) {
+            server_.log.error("refused a request body over " + std::to_string(limits_.maxBodyBytes) +
+                              " bytes from " + remote_);
+            parser_.reset();
+            trimAfterReply_ = true;
+            return reply(refusal(http::status::payload_too_large));
+        }
+        if (ec == http::error::header_limit) {
+            server_.log.error("refused request headers over " + std::to_string(limits_.maxHeaderBytes) +
+                              " bytes from " + remote_);
+            return reply(refusal(http::status::request_header_fields_too_large));
+        }
+        if (ec == beast::error::timeout) {
+            // The stream is closed already: nothing can be answered.
+            server_.log.error("closed a connection from " + remote_ + ": request not complete within " +
+                              std::to_string(limits_.requestTimeoutSeconds) + " s");
+            return;
+        }
+        if (ec.category() == http::make_error_code(http::error::bad_method).category() &&
+            ec != http::error::end_of_stream && ec != http::error::partial_message) {
+            return reply(refusal(http::status::bad_request));
+        }
+        close();
+    }
+
+    // The request is answered on the worker pool; the connection reads
+    // nothing more until the answer is written.
+    void dispatch() {
+        auto request = std::make_shared<Request>(parser_->release());
+        parser_.reset();
+        net::post(server_.workers, [self = this->shared_from_this(), request]() mutable {
+            Answer answer;
+            try {
+                answer = self->server_.answer(*request, self->remote_, self->credentials_);
+            } catch (const std::exception& e) {
+                self->server_.log.error("request from " + self->remote_ + " failed: " + e.what());
+                answer = refusal(http::status::internal_server_error);
+            }
+            bool large = request->body().size() >= kTrimBytes || answer.body.size() >= kTrimBytes;
+            request.reset();
+            net::post(self->stream_.get_executor(), [self, answer = std::move(answer), large]() mutable {
+                self->trimAfterReply_ = large;
+                self->reply(std::move(answer));
+            });
+        });
+    }
+
+    void reply(Answer answer) {
+        auto response = std::make_shared<http::response<http::string_body>>(answer.status, version_);
+        if (answer.status == http::status::ok) {
+            response->set(http::field::content_type, kXmlContentType);
+            response->set("CIMOperation", "MethodResponse");
+        }
+        if (!answer.cimError.empty()) response->set("CIMError", answer.cimError);
+        if (answer.status == http::status::unauthorized) {
+            response->set(http::field::www_authenticate, "Basic realm=\"cimhost\"");
+        }
+        if (answer.status == http::status::method_not_allowed) response->set(http::field::allow, "POST");
+        if (answer.status == http::status::service_unavailable) response->set(http::field::retry_after, "1");
+        response->body() = std::move(answer.body);
+        bool keepAlive = keepAlive_ && !answer.close;
+        response->keep_alive(keepAlive);
+        response->prepare_payload();
+        lowest().expires_after(timeout(limits_.writeTimeoutSeconds));
+        http::async_write(stream_, *response,
+                          [self = this->shared_from_this(), response, keepAlive](error_code ec, size_t) {
+                              if (ec) return self->close();
+                              self->afterReply();
+                              if (!keepAlive) return self->finish();
+                              self->waitForRequest();
+                          });
+    }
+
+    void afterReply() {
+        if (buffer_.capacity() > kReadChunk * 4 && buffer_.size() == 0) buffer_.shrink_to_fit();
+        if (trimAfterReply_) net::post(server_.workers, [] { malloc_trim(0); });
+        trimAfterReply_ = false;
+    }
+
+    // Ends the connection after its last answer.
+    void finish() {
+        lowest().expires_after(kDrainTime);
+        if constexpr (kTls) {
+            stream_.async_shutdown([self = this->shared_from_this()](error_code) { self->close(); });
+        } else {
+            error_code ignored;
+            lowest().socket().shutdown(tcp::socket::shutdown_send, ignored);
+            buffer_.consume(buffer_.size());
+            drain();
+        }
+    }
+
+    void drain() {
+        stream_.async_read_some(buffer_.prepare(kReadChunk), [self = this->shared_from_this()](error_code ec, size_t bytes) {
+            self->drained_ += bytes;
+            if (ec || self->drained_ >= kDrainBytes) return self->close();
+            self->drain();
+        });
+    }
+
+    void close() {
+        error_code ignored;
+        lowest().socket().shutdown(tcp::socket::shutdown_both, ignored);
+        lowest().close();
+    }
+
+    HttpServer::Impl& server_;
+    const ServerLimits& limits_;
+    std::string remote_;
+    bool refusing_;
+    Stream stream_;
+    beast::flat_buffer buffer_;
+    std::optional<http::request_parser<http::string_body>> parser_;
+    unsigned version_ = 11;
+    bool keepAlive_ = false;
+    bool trimAfterReply_ = false;
+    size_t drained_ = 0;
+    AcceptedCredentials credentials_;
+};
+
+}  // namespace
+
+void HttpServer::Impl::accept() {
+    acceptor.async_accept(net::make_strand(io), [this](error_code ec, tcp::socket socket) {
+        if (ec == net::error::operation_aborted) return;
+        if (!ec) {
+            startSession(std::move(socket));
+            return accept();
+        }
+        // Out of descriptors or memory: wait a little rather than spin.
+        log.error("accepting a connection failed: " + ec.message());
+        acceptPause.expires_after(std::chrono::milliseconds(100));
+        acceptPause.async_wait([this](error_code) { accept(); });
+    });
+}
+
+void HttpServer::Impl::startSession(tcp::socket socket) {
+    error_code ec;
+    // Answers go out at once, without waiting for delayed acknowledgements.
+    socket.set_option(tcp::no_delay(true), ec);
+    tcp::endpoint peer = socket.remote_endpoint(ec);
+    if (ec) return;
+    std::string remote = peer.address().to_string();
+    bool overLimit = connections.load() >= limits.maxConnections;
+    if (overLimit) {
+        if (refusing.load() >= kMaxRefusing) return;  // the socket closes here
+        ++refusing;
+        noteRefusal(remote);
+    } else {
+        ++connections;
+    }
+    if (tls) {
+        std::make_shared<Session<beast::ssl_stream<beast::tcp_stream>>>(*this, remote, overLimit, std::move(socket), *tls)
+            ->start();
+    } else {
+        std::make_shared<Session<beast::tcp_stream>>(*this, remote, overLimit, std::move(socket))->start();
+    }
+}
+
+// One log line a second at most, however many connections are refused.
+void HttpServer::Impl::noteRefusal(const std::string& remote) {
+    long long now = std::chrono::duration_cast<seconds>(std::chrono::steady_clock::now().time_since_epoch()).count();
+    long refused = ++refusedSinceLog;
+    long long last = lastRefusalLog.load();
+    if (now > last && lastRefusalLog.compare_exchange_strong(last, now)) {
+        refusedSinceLog -= refused;
+        log.error("refused " + std::to_string(refused) + " connection(s), the last from " + remote + ": " +
+                  std::to_string(limits.maxConnections) + " connections are open");
+    }
+}
+
+Answer HttpServer::Impl::answer(const Request& request, const std::string& remote, AcceptedCredentials& credentials) {
+    if (!authenticator) return answerCimCall(request, remote, "");
+    std::string header(request[http::field::authorization]);
+    if (!credentials.accepted || header != credentials.header) {
+        credentials.accepted = false;
+        std::optional<std::string> user = authenticator->check(header);
+        if (!user) {
+            log.error("refused credentials from " + remote);
+            Answer challenge;
+            challenge.status = http::status::unauthorized;
+            return challenge;
+        }
+        credentials = {true, header, *user};
+    }
+    return answerCimCall(request, remote, credentials.user);
+}
+
+Answer HttpServer::Impl::answerCimCall(const Request& request, const std::string& remote, const std::string& user) {
+    auto header = [&request](const char* name) { return std::string(request[name]); };
+    if (!namesEqual(header("CIMOperation"), "MethodCall")) return refusal(http::status::bad_request, "unsupported-operation");
+    std::string version = header("CIMProtocolVersion");
+    if (!version.empty() && version != "1" && version.rfind("1.", 0) != 0) {
+        return refusal(http::status::not_implemented, "unsupported-protocol-version");
+    }
+    std::string contentType(request[http::field::content_type]);
+    if (!contentType.empty() && !isXmlContentType(contentType)) {
+        return refusal(http::status::bad_request, "request-not-valid");
+    }
+    CimRequest cimRequest;
+    try {
+        screenRequestBody(request.body(), limits.xml);
+        cimRequest = parseCimRequest(request.body());
+    } catch (const MalformedRequest& e) {
+        log.error("request from " + remote + " is not well-formed: " + e.what());
+        return refusal(http::status::bad_request, "request-not-well-formed");
+    } catch (const InvalidRequest& e) {
+        log.error("request from " + remote + " is not valid: " + e.what());
+        return refusal(http::status::bad_request, "request-not-valid");
+    } catch (const OverBudget& e) {
+        log.error("refused a request from " + remote + ": " + e.what());
+        return refusal(http::status::payload_too_large);
+    } catch (const UnsupportedVersion& e) {
+        log.error("request from " + remote + ": " + e.what());
+        return refusal(http::status::not_implemented, e.what());
+    } catch (const MultipleRequestsUnsupported&) {
+        return refusal(http::status::not_implemented, "multiple-requests-unsupported");
+    }
+    if (!namesEqual(header("CIMMethod"), cimRequest.methodName)) {
+        log.error("CIMMethod header does not name " + cimRequest.methodName);
+        return refusal(http::status::bad_request, "header-mismatch");
+    }
+    std::string object = header("CIMObject");
+    if (!object.empty() && !cimObjectMatches(object, cimRequest)) {
+        log.error("CIMObject header " + object + " does not name the object of " + cimRequest.methodName);
+        return refusal(http::status::bad_request, "header-mismatch");
+    }
+    Answer answer;
+    try {
+        answer.body = handler.handle(cimRequest, user);
+    } catch (const InvalidRequest& e) {
+        log.error("request from " + remote + " is not valid: " + e.what());
+        return refusal(http::status::bad_request, "request-not-valid");
+    }
+    return answer;
+}
+
 HttpServer::HttpServer(RequestHandler& handler, const Authenticator* authenticator, HostLog& log,
                        ServerLimits limits)
-    : handler_(handler), authenticator_(authenticator), log_(log), limits_(limits),
-      server_(std::make_unique<httplib::Server>()) {
-    int threads = limits_.workerThreads;
-    server_->new_task_queue = [threads] { return new httplib::ThreadPool(static_cast<size_t>(threads)); };
-    server_->set_payload_max_length(limits_.maxBodyBytes);
-    server_->set_read_timeout(limits_.readTimeoutSeconds, 0);
-    server_->set_write_timeout(limits_.writeTimeoutSeconds, 0);
-    server_->set_keep_alive_timeout(limits_.keepAliveTimeoutSeconds);
-    server_->set_keep_alive_max_count(1000);
-    // Responses go out at once: without it, each keep-alive response waits
-    // for the client's delayed acknowledgement.
-    server_->set_tcp_nodelay(true);
-    installRoutes();
-}
+    : impl_(std::make_unique<Impl>(handler, authenticator, log, limits)) {}
 
 HttpServer::~HttpServer() = default;
 
+void HttpServer::useTls(const std::string& certificateFile, const std::string& keyFile) {
+    ssl::context& context = impl_->tls.emplace(ssl::context::tls_server);
+    SSL_CTX_set_min_proto_version(context.native_handle(), TLS1_2_VERSION);
+    SSL_CTX_set_options(context.native_handle(), SSL_OP_NO_RENEGOTIATION | SSL_OP_NO_COMPRESSION);
+    error_code ec;
+    context.use_certificate_chain_file(certificateFile, ec);
+    if (ec) throw std::runtime_error("cannot use the certificate " + certificateFile + ": " + ec.message());
+    context.use_private_key_file(keyFile, ssl::context::pem, ec);
+    if (ec) throw std::runtime_error("cannot use the key " + keyFile + ": " + ec.message());
+    if (SSL_CTX_check_private_key(context.native_handle()) != 1) {
+        throw std::runtime_error("the key " + keyFile + " does not belong to the certificate " + certificateFile);
+    }
+}
+
 int HttpServer::bind(const std::string& host, int port) {
-    if (port == 0) return server_->bind_to_any_port(host.c_str());
-    return server_->bind_to_port(host.c_str(), port) ? port : -1;
+    error_code ec;
+    net::ip::address address = net::ip::make_address(host == "localhost" ? "127.0.0.1" : host, ec);
+    if (ec) {
+        impl_->bindError = host + " is not an IP address";
+        return -1;
+    }
+    tcp::endpoint endpoint(address, static_cast<unsigned short>(port));
+    tcp::acceptor& acceptor = impl_->acceptor;
+    // SO_REUSEADDR only: a port left in TIME_WAIT can be taken again, one
+    // another process listens on cannot.
+    acceptor.open(endpoint.protocol(), ec);
+    if (!ec) acceptor.set_option(tcp::acceptor::reuse_address(true), ec);
+    if (!ec) acceptor.bind(endpoint, ec);
+    if (!ec) acceptor.listen(net::socket_base::max_listen_connections, ec);
+    if (ec) {
+        impl_->bindError = ec.message();
+        if (ec == net::error::address_in_use) impl_->bindError += " (is another host serving it?)";
+        error_code ignored;
+        acceptor.close(ignored);
+        return -1;
+    }
+    return acceptor.local_endpoint().port();
 }
 
-bool HttpServer::serve() { return server_->listen_after_bind(); }
+const std::string& HttpServer::bindError() const { return impl_->bindError; }
 
-void HttpServer::stop() { server_->stop(); }
-
-void HttpServer::installRoutes() {
-    auto notAllowed = [](const httplib::Request&, httplib::Response& res) {
-        res.status = 405;
-        res.set_header("Allow", "POST");
-    };
-    server_->Get(".*", notAllowed);
-    server_->Put(".*", notAllowed);
-    server_->Delete(".*", notAllowed);
-    server_->Patch(".*", notAllowed);
-    server_->Options(".*", notAllowed);
-
-    server_->set_error_handler([this](const httplib::Request& req, httplib::Response& res) {
-        if (res.status == 413) {
-            log_.error("refused a request body over " + std::to_string(limits_.maxBodyBytes) + " bytes from " +
-                       req.remote_addr);
-        }
-    });
-
-    server_->Post(".*", [this](const httplib::Request& req, httplib::Response& res) {
-        std::string user;
-        if (authenticator_) {
-            std::optional<std::string> checked = authenticator_->check(req.get_header_value("Authorization"));
-            if (!checked) {
-                log_.error("refused credentials from " + req.remote_addr);
-                res.status = 401;
-                res.set_header("WWW-Authenticate", "Basic realm=\"cimhost\"");
-                return;
-            }
-            user = *checked;
-        }
-        if (!namesEqual(req.get_header_value("CIMOperation"), "MethodCall")) {
-            refuse(res, 400, "unsupported-operation");
-            return;
-        }
-        std::string version = req.get_header_value("CIMProtocolVersion");
-        if (!version.empty() && version.rfind("1.", 0) != 0) {
-            refuse(res, 501, "unsupported-protocol-version");
-            return;
-        }
-        std::string contentType = req.get_header_value("Content-Type");
-        if (!contentType.empty() && !isXmlContentType(contentType)) {
-            refuse(res, 400, "request-not-valid");
-            return;
-        }
-        CimRequest request;
-        try {
-            request = parseCimRequest(req.body);
-        } catch (const MalformedRequest& e) {
-            log_.error("request from " + req.remote_addr + " is not well-formed: " + e.what());
-            refuse(res, 400, "request-not-well-formed");
-            return;
-        } catch (const InvalidRequest& e) {
-            log_.error("request from " + req.remote_addr + " is not valid: " + e.what());
-            refuse(res, 400, "request-not-valid");
-            return;
-        } catch (const MultipleRequestsUnsupported&) {
-            refuse(res, 501, "multiple-requests-unsupported");
-            return;
-        }
-        if (!namesEqual(req.get_header_value("CIMMethod"), request.methodName)) {
-            log_.error("CIMMethod header does not name " + request.methodName);
-            refuse(res, 400, "header-mismatch");
-            return;
-        }
-        std::string response;
-        try {
-            response = handler_.handle(request, user);
-        } catch (const InvalidRequest& e) {
-            log_.error("request from " + req.remote_addr + " is not valid: " + e.what());
-            refuse(res, 400, "request-not-valid");
-            return;
-        }
-        res.status = 200;
-        res.set_header("CIMOperation", "MethodResponse");
-        res.set_content(response, kXmlContentType);
-    });
+bool HttpServer::serve() {
+    if (!impl_->acceptor.is_open()) return false;
+    impl_->accept();
+    std::vector<std::thread> more;
+    for (int i = 1; i < impl_->limits.ioThreads; ++i) more.emplace_back([this] { impl_->io.run(); });
+    impl_->io.run();
+    for (std::thread& thread : more) thread.join();
+    // No provider call runs once serving has ended.
+    impl_->workers.stop();
+    impl_->workers.join();
+    return true;
 }
+
+void HttpServer::stop() { impl_->io.stop(); }
 
 }  // namespace cimhost

@@ -1,6 +1,14 @@
 // The HTTP side of the host: accepts CIM-XML requests on POST, checks the
 // credentials and the CIM headers, parses the body and hands the request to
 // a RequestHandler. Every CIM-level answer is a 200 response.
+//
+// Every resource a client can take is bounded: connections (beyond the limit
+// a client is answered 503), the time to send one request (headers and body
+// together), header size and count, body size (chunked bodies too), the
+// elements of the XML body, and the time to take a response. Connections
+// waiting between requests hold no thread; requests are answered by a fixed
+// pool of worker threads, each connection with at most one request at a
+// time, so the queue is bounded by the connection limit.
 #pragma once
 
 #include <cstddef>
@@ -10,10 +18,7 @@
 #include "Authenticator.hpp"
 #include "CimXmlRequest.hpp"
 #include "HostLog.hpp"
-
-namespace httplib {
-class Server;
-}
+#include "RequestScreen.hpp"
 
 namespace cimhost {
 
@@ -21,16 +26,22 @@ class RequestHandler {
 public:
     virtual ~RequestHandler() = default;
     // Answers one parsed request with a complete CIM-XML response body.
-    // Throws only InvalidRequest, for parameters of the wrong form.
+    // Throws only InvalidRequest, for parameters of the wrong form. Called
+    // from several worker threads at once.
     virtual std::string handle(const CimRequest& request, const std::string& userName) = 0;
 };
 
 struct ServerLimits {
     size_t maxBodyBytes = 4 * 1024 * 1024;
-    int readTimeoutSeconds = 10;
+    size_t maxHeaderBytes = 16 * 1024;
+    size_t maxHeaderFields = 64;
+    XmlBudget xml;
+    int maxConnections = 512;
+    int requestTimeoutSeconds = 10;  // from the first byte of a request to its last
     int writeTimeoutSeconds = 10;
     int keepAliveTimeoutSeconds = 5;
-    int workerThreads = 16;
+    int ioThreads = 2;
+    int workerThreads = 4;
 };
 
 class HttpServer {
@@ -40,25 +51,29 @@ public:
                ServerLimits limits = {});
     ~HttpServer();
 
-    // Binds the address; port 0 picks a free port. Returns the bound port,
-    // or -1 when the address cannot be bound.
+    // Serves HTTPS (TLS 1.2 or later) with the PEM certificate chain and key.
+    // Throws std::runtime_error when they cannot be used.
+    void useTls(const std::string& certificateFile, const std::string& keyFile);
+    // Binds the address exclusively; port 0 picks a free port. Returns the
+    // bound port, or -1 with bindError() telling why.
     int bind(const std::string& host, int port);
+    const std::string& bindError() const;
     // Serves until stop(); returns false when serving failed.
     bool serve();
-    // Safe from any thread.
+    // Safe from any thread, also before serve().
     void stop();
 
-private:
-    void installRoutes();
+    class Impl;
 
-    RequestHandler& handler_;
-    const Authenticator* authenticator_;
-    HostLog& log_;
-    ServerLimits limits_;
-    std::unique_ptr<httplib::Server> server_;
+private:
+    std::unique_ptr<Impl> impl_;
 };
 
 // True for 127.0.0.0/8, ::1 and "localhost".
 bool isLoopbackAddress(const std::string& host);
+
+// Whether the CIMObject header value (percent-encoded or not) names the
+// request's namespace and, for a method call, its class.
+bool cimObjectMatches(const std::string& header, const CimRequest& request);
 
 }  // namespace cimhost

@@ -9,19 +9,37 @@ const char* usageText() {
            "Serves a CIM provider module over CIM-XML/HTTP.\n"
            "  --provider PATH     provider module to load (default: CDRProvider.so beside the host)\n"
            "  --mof PATH          class definitions (default: the project's QTX_CDR.mof)\n"
-           "  --listen ADDR:PORT  address to listen on (default 127.0.0.1:5988; port 0 picks one)\n"
+           "  --listen ADDR:PORT  address to listen on (default 127.0.0.1:5988, 5989 with TLS; port 0 picks one)\n"
            "  --namespace NS      namespace served (default root/cimv2)\n"
            "  --auth-file FILE    require HTTP Basic credentials from FILE (user:crypt-hash lines)\n"
            "  --insecure          allow a non-loopback address without --auth-file\n"
+           "  --tls-cert FILE     serve HTTPS (TLS 1.2 or later) with this PEM certificate chain\n"
+           "  --tls-key FILE      and this PEM private key\n"
+           "  --max-connections N connections served at once; more are answered 503 (default 512)\n"
+           "  --request-timeout S seconds a client has to send one request (default 10)\n"
            "  --log FILE          log to FILE (default: standard error)\n"
            "  --help              this text\n"
            "The platform state directory comes from ZPO_ROOT.\n";
 }
 
+namespace {
+
+int positiveNumber(const std::string& option, const std::string& text) {
+    char* end = nullptr;
+    long number = std::strtol(text.c_str(), &end, 10);
+    if (text.empty() || *end != '\0' || number < 1 || number > 1000000) {
+        throw UsageError(option + " needs a positive number, not " + text);
+    }
+    return static_cast<int>(number);
+}
+
+}  // namespace
+
 Options parseOptions(int argc, char** argv, const std::string& defaultProvider, const std::string& defaultMof) {
     Options options;
     options.providerPath = defaultProvider;
     options.mofPath = defaultMof;
+    bool listenGiven = false;
     for (int i = 1; i < argc; ++i) {
         std::string arg = argv[i];
         auto value = [&]() -> std::string {
@@ -40,6 +58,14 @@ Options parseOptions(int argc, char** argv, const std::string& defaultProvider, 
             options.authFile = value();
         } else if (arg == "--log") {
             options.logFile = value();
+        } else if (arg == "--tls-cert") {
+            options.tlsCertificate = value();
+        } else if (arg == "--tls-key") {
+            options.tlsKey = value();
+        } else if (arg == "--max-connections") {
+            options.maxConnections = positiveNumber(arg, value());
+        } else if (arg == "--request-timeout") {
+            options.requestTimeoutSeconds = positiveNumber(arg, value());
         } else if (arg == "--insecure") {
             options.insecure = true;
         } else if (arg == "--listen") {
@@ -57,10 +83,15 @@ Options parseOptions(int argc, char** argv, const std::string& defaultProvider, 
                 options.listenHost = options.listenHost.substr(1, options.listenHost.size() - 2);
             }
             options.listenPort = static_cast<int>(number);
+            listenGiven = true;
         } else {
             throw UsageError("unknown option " + arg);
         }
     }
+    if (options.tlsCertificate.empty() != options.tlsKey.empty()) {
+        throw UsageError("--tls-cert and --tls-key go together");
+    }
+    if (!options.tlsCertificate.empty() && !listenGiven) options.listenPort = 5989;
     return options;
 }
 

@@ -15,10 +15,14 @@ struct Options {
     std::string providerPath;
     std::string mofPath;
     std::string listenHost = "127.0.0.1";
-    int listenPort = 5988;
+    int listenPort = 5988;  // 5989 with --tls-cert
     std::string nameSpace = "root/cimv2";
     std::string authFile;
     std::string logFile;  // empty: standard error
+    std::string tlsCertificate;  // both set: HTTPS
+    std::string tlsKey;
+    int maxConnections = 512;
+    int requestTimeoutSeconds = 10;
     bool insecure = false;
     bool help = false;
 };

@@ -4,6 +4,7 @@
 #include <csignal>
 #include <cstdio>
 #include <iostream>
+#include <malloc.h>
 #include <memory>
 #include <optional>
 #include <pthread.h>
@@ -61,6 +62,13 @@ int main(int argc, char** argv) {
     sigaddset(&stopSignals, SIGTERM);
     pthread_sigmask(SIG_BLOCK, &stopSignals, nullptr);
     std::signal(SIGPIPE, SIG_IGN);
+    // Two allocator arenas whatever the number of threads, and blocks of
+    // 128 KiB or more (request bodies, large answers) mapped on their own,
+    // so that the memory a large request took goes back to the system when
+    // it is answered. A fixed threshold also stops glibc from raising it
+    // after the first large block is freed.
+    mallopt(M_ARENA_MAX, 2);
+    mallopt(M_MMAP_THRESHOLD, 128 * 1024);
 
     std::unique_ptr<HostLog> log;
     try {
@@ -90,14 +98,28 @@ int main(int argc, char** argv) {
 
     OperationDispatcher dispatcher(classes, module.get(), *log, options.nameSpace, options.listenHost);
     for (const std::string& name : dispatcher.boundClasses()) log->info("class " + name + " is served by " + module->id());
-    HttpServer server(dispatcher, authenticator ? &*authenticator : nullptr, *log);
-    int port = server.bind(options.listenHost, options.listenPort);
-    if (port < 0) {
-        log->error("cannot listen on " + options.listenHost + ":" + std::to_string(options.listenPort));
+    ServerLimits limits;
+    limits.maxConnections = options.maxConnections;
+    limits.requestTimeoutSeconds = options.requestTimeoutSeconds;
+    HttpServer server(dispatcher, authenticator ? &*authenticator : nullptr, *log, limits);
+    bool tls = !options.tlsCertificate.empty();
+    try {
+        if (tls) server.useTls(options.tlsCertificate, options.tlsKey);
+    } catch (const std::exception& e) {
+        log->error(e.what());
+        std::cerr << "cimhost: " << e.what() << "\n";
         return 1;
     }
-    log->info("listening on " + options.listenHost + ":" + std::to_string(port) + ", namespace " + options.nameSpace +
-              (authenticator ? ", credentials required" : ""));
+    int port = server.bind(options.listenHost, options.listenPort);
+    if (port < 0) {
+        std::string message = "cannot listen on " + options.listenHost + ":" + std::to_string(options.listenPort) +
+                              ": " + server.bindError();
+        log->error(message);
+        if (!options.logFile.empty()) std::cerr << "cimhost: " << message << "\n";
+        return 1;
+    }
+    log->info("listening on " + options.listenHost + ":" + std::to_string(port) + ", " + (tls ? "HTTPS" : "HTTP") +
+              ", namespace " + options.nameSpace + (authenticator ? ", credentials required" : ""));
 
     // A signal may arrive before the server runs; stop() is repeated until
     // serving has ended.

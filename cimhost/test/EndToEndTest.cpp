@@ -52,14 +52,24 @@ protected:
         zpo("queue remove CDRService");
     }
 
+    // With CIMHOST_E2E_TLS set, every test runs over HTTPS with a
+    // self-signed certificate.
     void startHost(std::vector<std::string> extra) {
         host.reset();
         std::vector<std::string> args{"--provider", CDR_PROVIDER, "--mof", CDR_MOF};
+        if (overTls) {
+            if (!std::filesystem::exists(state.file("cert.pem"))) {
+                ASSERT_EQ(runCommand("openssl req -x509 -newkey ec -pkeyopt ec_paramgen_curve:prime256v1 -nodes "
+                                     "-days 2 -subj /CN=127.0.0.1 -keyout " + state.file("key.pem") + " -out " +
+                                     state.file("cert.pem"), scratch).exitCode, 0);
+            }
+            args.insert(args.end(), {"--tls-cert", state.file("cert.pem"), "--tls-key", state.file("key.pem")});
+        }
         args.insert(args.end(), extra.begin(), extra.end());
         host = std::make_unique<HostProcess>(CIMHOST_BINARY, args,
                                              state.file("host" + std::to_string(++hostsStarted) + ".log"));
         ASSERT_TRUE(host->running()) << host->log();
-        base = "http://127.0.0.1:" + std::to_string(host->port());
+        base = scheme + "://127.0.0.1:" + std::to_string(host->port());
         url = base + "/root/cimv2";
     }
 
@@ -84,16 +94,20 @@ protected:
         return readFile(state.file("queue.out"));
     }
 
-    CommandResult wbemcli(const std::string& arguments) { return runCommand("wbemcli " + arguments, scratch); }
+    CommandResult wbemcli(const std::string& arguments) {
+        return runCommand(std::string("wbemcli ") + (overTls ? "-noverify " : "") + arguments, scratch);
+    }
     CommandResult zpo(const std::string& arguments) { return runCommand(std::string(ZPO_BINARY) + " " + arguments, scratch); }
     CommandResult curl(const std::string& method, const std::string& body, const std::string& extra = "") {
         std::ofstream(scratch.file("body.xml")) << body;
-        return runCommand("curl -s -o " + scratch.file("response.xml") + " -D - -H 'Content-Type: application/xml' "
+        return runCommand("curl -s -k -o " + scratch.file("response.xml") + " -D - -H 'Content-Type: application/xml' "
                           "-H 'Accept: application/xml' -H 'CIMOperation: MethodCall' -H 'CIMMethod: " + method + "' " + extra +
                           " --data-binary @" + scratch.file("body.xml") + " " + base + "/cimom", scratch);
     }
 
     const ExternalServer* const external = externalServer();
+    const bool overTls = std::getenv("CIMHOST_E2E_TLS") != nullptr;
+    const std::string scheme = overTls ? "https" : "http";
     TempDir state;
     TempDir scratch;
     std::unique_ptr<HostProcess> host;
@@ -221,13 +235,13 @@ TEST_F(CdrHost, CredentialsAreCheckedWhenAnAuthFileIsGiven) {
     std::ofstream(state.file("users")) << "# users\nalice:" << hash << "\n";
     startHost({"--auth-file", state.file("users")});
     std::string hostPort = "127.0.0.1:" + std::to_string(host->port());
-    CommandResult none = wbemcli("ecn 'http://" + hostPort + "/root/cimv2'");
+    CommandResult none = wbemcli("ecn '" + scheme + "://" + hostPort + "/root/cimv2'");
     EXPECT_EQ(none.exitCode, 16);
     EXPECT_NE(none.err.find("Username/password required"), std::string::npos) << none.err;
-    CommandResult wrong = wbemcli("ecn 'http://alice:guess@" + hostPort + "/root/cimv2'");
+    CommandResult wrong = wbemcli("ecn '" + scheme + "://alice:guess@" + hostPort + "/root/cimv2'");
     EXPECT_EQ(wrong.exitCode, 16);
     EXPECT_NE(wrong.err.find("Invalid username/password"), std::string::npos) << wrong.err;
-    CommandResult right = wbemcli("ei 'http://alice:s3cret@" + hostPort + "/root/cimv2:QTX_CDRServicePrefixBin'");
+    CommandResult right = wbemcli("ei '" + scheme + "://alice:s3cret@" + hostPort + "/root/cimv2:QTX_CDRServicePrefixBin'");
     EXPECT_EQ(right.exitCode, 0) << right.err;
     EXPECT_EQ(lineCount(right.out), 8u);
 }

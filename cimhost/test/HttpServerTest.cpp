@@ -1,4 +1,9 @@
 // cimhost as a process: the HTTP rules around the CIM-XML requests.
+#include <arpa/inet.h>
+#include <netinet/in.h>
+#include <poll.h>
+#include <sys/socket.h>
+
 #include <httplib.h>
 #include <gtest/gtest.h>
 
@@ -6,6 +11,47 @@
 
 namespace cimhost::test {
 namespace {
+
+// A client socket that sends exactly what it is given.
+class RawConnection {
+public:
+    explicit RawConnection(int port) {
+        fd_ = socket(AF_INET, SOCK_STREAM, 0);
+        sockaddr_in address{};
+        address.sin_family = AF_INET;
+        address.sin_port = htons(static_cast<uint16_t>(port));
+        address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+        connected_ = connect(fd_, reinterpret_cast<sockaddr*>(&address), sizeof address) == 0;
+    }
+    ~RawConnection() { close(fd_); }
+    bool connected() const { return connected_; }
+    bool send(const std::string& data) { return ::send(fd_, data.data(), data.size(), MSG_NOSIGNAL) == ssize_t(data.size()); }
+    // Whether the server answered or closed within `milliseconds`.
+    bool readable(int milliseconds) {
+        pollfd p{fd_, POLLIN, 0};
+        return poll(&p, 1, milliseconds) == 1;
+    }
+    // What arrives until the server closes or `milliseconds` pass quietly.
+    std::string receive(int milliseconds) {
+        std::string data;
+        char chunk[4096];
+        while (readable(milliseconds)) {
+            ssize_t n = recv(fd_, chunk, sizeof chunk, 0);
+            if (n <= 0) break;
+            data.append(chunk, static_cast<size_t>(n));
+        }
+        return data;
+    }
+
+private:
+    int fd_ = -1;
+    bool connected_ = false;
+};
+
+std::string postHead(const std::string& method, const std::string& framing) {
+    return "POST /cimom HTTP/1.1\r\nHost: 127.0.0.1\r\nContent-Type: application/xml\r\nCIMOperation: "
+           "MethodCall\r\nCIMMethod: " + method + "\r\n" + framing + "\r\n";
+}
 
 const std::string kEnumerate =
     "<?xml version=\"1.0\" encoding=\"utf-8\" ?><CIM CIMVERSION=\"2.0\" DTDVERSION=\"2.0\"><MESSAGE ID=\"3\" "
@@ -15,10 +61,14 @@ const std::string kEnumerate =
 
 class HostOverHttp : public ::testing::Test {
 protected:
-    void SetUp() override {
-        host = std::make_unique<HostProcess>(
-            CIMHOST_BINARY, std::vector<std::string>{"--provider", CIMHOST_TEST_PROVIDER, "--mof", CIMHOST_TEST_MOF},
-            dir.file("host.log"));
+    void SetUp() override { start({}); }
+
+    void start(std::vector<std::string> extra) {
+        client.reset();
+        host.reset();
+        std::vector<std::string> args{"--provider", CIMHOST_TEST_PROVIDER, "--mof", CIMHOST_TEST_MOF};
+        args.insert(args.end(), extra.begin(), extra.end());
+        host = std::make_unique<HostProcess>(CIMHOST_BINARY, args, dir.file("host" + std::to_string(++started) + ".log"));
         ASSERT_TRUE(host->running()) << host->log();
         client = std::make_unique<httplib::Client>("127.0.0.1", host->port());
         client->set_keep_alive(true);
@@ -28,10 +78,34 @@ protected:
         return client->Post("/cimom", headers, body, "application/xml; charset=\"utf-8\"");
     }
 
+    // The host may log after the client saw the answer.
+    bool logShows(const std::string& text) {
+        for (int i = 0; i < 100; ++i) {
+            if (host->log().find(text) != std::string::npos) return true;
+            std::this_thread::sleep_for(std::chrono::milliseconds(20));
+        }
+        return false;
+    }
+
     TempDir dir;
+    int started = 0;
     std::unique_ptr<HostProcess> host;
     std::unique_ptr<httplib::Client> client;
 };
+
+std::string withVersions(const std::string& cim, const std::string& dtd, const std::string& protocol) {
+    std::string body = kEnumerate;
+    body.replace(body.find("CIMVERSION=\"2.0\""), 16, "CIMVERSION=\"" + cim + "\"");
+    body.replace(body.find("DTDVERSION=\"2.0\""), 16, "DTDVERSION=\"" + dtd + "\"");
+    body.replace(body.find("PROTOCOLVERSION=\"1.0\""), 21, "PROTOCOLVERSION=\"" + protocol + "\"");
+    return body;
+}
+
+std::string withClassName(const std::string& text) {
+    std::string body = kEnumerate;
+    body.replace(body.find("Test_Widget"), 11, text);
+    return body;
+}
 
 TEST_F(HostOverHttp, AnswersCimRequestsOnOneKeptAliveConnection) {
     httplib::Headers headers{{"CIMOperation", "MethodCall"}, {"CIMMethod", "enumerateinstancenames"},
@@ -65,6 +139,41 @@ TEST_F(HostOverHttp, RefusesRequestsThatAreNotCimCalls) {
         EXPECT_EQ(result->status, c.status);
         EXPECT_EQ(result->get_header_value("CIMError"), c.cimError);
     }
+    httplib::Headers call{{"CIMOperation", "MethodCall"}, {"CIMMethod", "EnumerateInstanceNames"}};
+    httplib::Headers elsewhere = call;
+    elsewhere.emplace("CIMObject", "root%2Fother");
+    std::string manyElements;
+    for (int i = 0; i < 10001; ++i) manyElements += "<X/>";
+    httplib::Headers crowded = call;
+    for (int i = 0; i < 70; ++i) crowded.emplace("X-Filler-" + std::to_string(i), "x");
+    struct BodyCase {
+        httplib::Headers headers;
+        std::string body;
+        int status;
+        std::string cimError;
+    };
+    const BodyCase bodyCases[] = {
+        {elsewhere, kEnumerate, 400, "header-mismatch"},
+        {call, withVersions("3.0", "2.0", "1.0"), 501, "unsupported-cim-version"},
+        {call, withVersions("2.0", "3.0", "1.0"), 501, "unsupported-dtd-version"},
+        {call, withVersions("2.0", "2.0", "2.0"), 501, "unsupported-protocol-version"},
+        {call, withClassName("Test_\xC3("), 400, "request-not-well-formed"},
+        {call, withClassName("Test_&widget;"), 400, "request-not-well-formed"},
+        {call, withClassName("Test_Widget\"/>" + manyElements + "<X A=\""), 413, ""},
+        {crowded, kEnumerate, 431, ""},
+    };
+    for (const BodyCase& c : bodyCases) {
+        httplib::Result result = post(c.headers, c.body);
+        ASSERT_TRUE(result) << c.status;
+        EXPECT_EQ(result->status, c.status) << c.body.substr(0, 300);
+        EXPECT_EQ(result->get_header_value("CIMError"), c.cimError);
+    }
+    // M-POST needs the extension framework, which is not offered: 501 tells
+    // the client to fall back to POST.
+    RawConnection raw(host->port());
+    ASSERT_TRUE(raw.send("M-POST /cimom HTTP/1.1\r\nHost: x\r\nMan: http://www.dmtf.org/cim/mapping/http/v1.0;ns=73"
+                         "\r\n73-CIMOperation: MethodCall\r\nContent-Length: 0\r\n\r\n"));
+    EXPECT_EQ(raw.receive(5000).substr(0, 12), "HTTP/1.1 501");
     httplib::Result get = client->Get("/cimom");
     ASSERT_TRUE(get);
     EXPECT_EQ(get->status, 405);
@@ -79,6 +188,91 @@ TEST_F(HostOverHttp, WaitsForTheBodyAfterExpectContinue) {
         dir);
     EXPECT_NE(result.out.find("HTTP/1.1 100 Continue"), std::string::npos) << result.out;
     EXPECT_NE(result.out.find("HTTP/1.1 200 OK"), std::string::npos) << result.out;
+}
+
+TEST_F(HostOverHttp, AnswersAChunkedBodyOverTheLimitWithoutReadingItAll) {
+    RawConnection raw(host->port());
+    ASSERT_TRUE(raw.send(postHead("EnumerateInstanceNames", "Transfer-Encoding: chunked\r\n")));
+    const std::string chunk = "10000\r\n" + std::string(0x10000, ' ') + "\r\n";
+    size_t sent = 0;
+    // Up to 64 MiB, stopping at the answer.
+    while (sent < 64u << 20 && !raw.readable(0) && raw.send(chunk)) sent += 0x10000;
+    EXPECT_EQ(raw.receive(5000).substr(0, 12), "HTTP/1.1 413");
+    EXPECT_LT(sent, 16u << 20);
+    EXPECT_TRUE(logShows("refused a request body over 4194304 bytes")) << host->log();
+}
+
+TEST_F(HostOverHttp, CutsATricklingClientAtTheDeadlineAndServesOthersMeanwhile) {
+    start({"--request-timeout", "2"});
+    RawConnection trickler(host->port());
+    std::string head = postHead("EnumerateInstanceNames", "Content-Length: 10\r\n");
+    bool cut = false;
+    // One byte every 100 ms: 2 s of it is cut, the whole head would take 14 s.
+    for (size_t i = 0; i < head.size() && !cut; ++i) {
+        cut = !trickler.send(head.substr(i, 1)) || trickler.readable(100);
+        if (i == 3) {
+            httplib::Result result = post({{"CIMOperation", "MethodCall"}, {"CIMMethod", "EnumerateInstanceNames"}});
+            ASSERT_TRUE(result);
+            EXPECT_EQ(result->status, 200);
+        }
+    }
+    EXPECT_TRUE(cut);
+    EXPECT_EQ(trickler.receive(1000), "");
+    EXPECT_TRUE(logShows("request not complete within 2 s")) << host->log();
+}
+
+TEST_F(HostOverHttp, AnswersConnectionsOverTheLimitWith503) {
+    start({"--max-connections", "2"});
+    auto first = std::make_unique<RawConnection>(host->port());
+    RawConnection second(host->port());
+    ASSERT_TRUE(first->send("POST"));
+    ASSERT_TRUE(second.send("POST"));
+    RawConnection third(host->port());
+    ASSERT_TRUE(third.send(postHead("EnumerateInstanceNames", "Content-Length: 0\r\n")));
+    std::string refused = third.receive(5000);
+    EXPECT_EQ(refused.substr(0, 12), "HTTP/1.1 503") << refused;
+    EXPECT_NE(refused.find("Retry-After: 1"), std::string::npos);
+    // Once one connection ends, the next client is served.
+    first.reset();
+    std::string served;
+    for (int attempt = 0; attempt < 50 && served.substr(0, 12) != "HTTP/1.1 200"; ++attempt) {
+        RawConnection next(host->port());
+        next.send(postHead("EnumerateInstanceNames", "Connection: close\r\nContent-Length: " +
+                                                         std::to_string(kEnumerate.size()) + "\r\n") +
+                  kEnumerate);
+        served = next.receive(5000);
+    }
+    EXPECT_EQ(served.substr(0, 12), "HTTP/1.1 200");
+}
+
+TEST_F(HostOverHttp, ServesHttpsWithTls12OrLater) {
+    CommandResult made = runCommand("openssl req -x509 -newkey ec -pkeyopt ec_paramgen_curve:prime256v1 -nodes -days 2 "
+                                    "-subj /CN=127.0.0.1 -keyout " + dir.file("key.pem") + " -out " +
+                                    dir.file("cert.pem"), dir);
+    ASSERT_EQ(made.exitCode, 0) << made.err;
+    start({"--tls-cert", dir.file("cert.pem"), "--tls-key", dir.file("key.pem")});
+    std::ofstream(dir.file("body.xml")) << kEnumerate;
+    std::string curl = "curl -s -o /dev/null -w '%{http_code}' -k -H 'CIMOperation: MethodCall' -H 'CIMMethod: "
+                       "EnumerateInstanceNames' -H 'Content-Type: application/xml' --data-binary @" +
+                       dir.file("body.xml") + " https://127.0.0.1:" + std::to_string(host->port()) + "/cimom ";
+    EXPECT_EQ(runCommand(curl + "--tlsv1.2 --tls-max 1.2", dir).out, "200");
+    EXPECT_EQ(runCommand(curl + "--tlsv1.3", dir).out, "200");
+    EXPECT_NE(runCommand(curl + "--tlsv1.1 --tls-max 1.1 --ciphers DEFAULT@SECLEVEL=0", dir).out, "200");
+    EXPECT_NE(runCommand("curl -s -o /dev/null -w '%{http_code}' http://127.0.0.1:" + std::to_string(host->port()) +
+                         "/cimom", dir).out, "200");
+}
+
+TEST(HostStartup, RefusesAPortAnotherHostListensOn) {
+    TempDir dir;
+    HostProcess first(CIMHOST_BINARY, {"--provider", CIMHOST_TEST_PROVIDER, "--mof", CIMHOST_TEST_MOF},
+                      dir.file("first.log"));
+    ASSERT_TRUE(first.running());
+    CommandResult second = runCommand(std::string(CIMHOST_BINARY) + " --provider " + CIMHOST_TEST_PROVIDER +
+                                          " --mof " + CIMHOST_TEST_MOF + " --log " + dir.file("second.log") +
+                                          " --listen 127.0.0.1:" + std::to_string(first.port()), dir);
+    EXPECT_EQ(second.exitCode, 1);
+    EXPECT_NE(second.err.find("cannot listen on 127.0.0.1:" + std::to_string(first.port()) +
+                              ": Address already in use"), std::string::npos) << second.err;
 }
 
 TEST(HostStartup, RefusesAnOpenAddressWithoutCredentials) {
