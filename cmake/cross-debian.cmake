@@ -1,5 +1,6 @@
 # Cross build for a Debian architecture, included by the toolchain-<arch>.cmake
-# files, which set CDR_CROSS_TRIPLET, CDR_CROSS_PROCESSOR and CDR_CROSS_QEMU.
+# files, which set CDR_CROSS_TRIPLET, CDR_CROSS_PROCESSOR, CDR_CROSS_QEMU and
+# CDR_CROSS_LOADER (the target's dynamic loader).
 #
 # The compilers are Debian's cross toolchain (crossbuild-essential-<arch>),
 # which brings its own C library and libstdc++. The other libraries come from
