@@ -23,23 +23,59 @@ REQUIRED_PACKAGES=(
   clang libclang-rt-14-dev
 )
 
-# Installs the named packages, by default REQUIRED_PACKAGES, that are missing.
-ensure_packages() {
-  local missing=() p wanted=("$@")
-  [ ${#wanted[@]} -eq 0 ] && wanted=("${REQUIRED_PACKAGES[@]}")
-  for p in "${wanted[@]}"; do
-    dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || missing+=("$p")
+# Refreshes the package lists; "$@" are extra apt-get options. A mirror in
+# the middle of a sync fails some of the indexes: say which, and go on with
+# the lists there are.
+apt_update() {
+  local output status=0
+  output="$(apt-get "$@" update 2>&1)" || status=$?
+  if [ $status -ne 0 ] || grep -qE '^(Err:|[EW]: Failed to fetch)' <<<"$output"; then
+    echo "apt-get update could not get every package list; going on with the lists it has:" >&2
+    grep -E '^(Err:|[EW]: )' <<<"$output" | sed 's/^/  /' >&2
+  fi
+}
+
+# The packages of "$@" that are not installed.
+missing_packages() {
+  local p
+  for p in "$@"; do
+    dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || echo "$p"
   done
+}
+
+# Installs the packages of "$@" that are missing, as far as the package lists
+# allow: when some cannot be installed, installs the others and names those it
+# could not get. Returns 1 then, or when not root.
+install_packages() {
+  local missing
+  mapfile -t missing < <(missing_packages "$@")
   [ ${#missing[@]} -eq 0 ] && return 0
   if [ "$(id -u)" -ne 0 ]; then
     echo "Missing Debian packages: ${missing[*]}" >&2
     echo "Install them with: sudo apt-get install -y ${missing[*]}" >&2
-    exit 1
+    return 1
   fi
   echo "Installing: ${missing[*]}"
   export DEBIAN_FRONTEND=noninteractive
-  apt-get update -qq
-  apt-get install -y -qq --no-install-recommends "${missing[@]}"
+  apt_update -qq
+  local apt_install=(apt-get -o DPkg::Lock::Timeout=600 install -y -qq --no-install-recommends)
+  if ! "${apt_install[@]}" "${missing[@]}"; then
+    local p
+    for p in "${missing[@]}"; do "${apt_install[@]}" "$p" || true; done
+    mapfile -t missing < <(missing_packages "${missing[@]}")
+    if [ ${#missing[@]} -gt 0 ]; then
+      echo "Could not install: ${missing[*]}" >&2
+      return 1
+    fi
+  fi
+}
+
+# Installs what is missing of the packages named, by default REQUIRED_PACKAGES;
+# stops the script when some cannot be had.
+ensure_packages() {
+  local wanted=("$@")
+  [ ${#wanted[@]} -eq 0 ] && wanted=("${REQUIRED_PACKAGES[@]}")
+  install_packages "${wanted[@]}" || exit 1
 }
 
 # Creates the device state in $ZPO_ROOT with the zpo command given:

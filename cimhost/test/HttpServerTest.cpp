@@ -286,7 +286,7 @@ TEST(HostStartup, RefusesAnOpenAddressWithoutCredentials) {
 TEST(HostStartup, RefusesAModuleBuiltForAnotherVersionOrWithoutFactory) {
     TempDir dir;
     // A library that is no provider module at all: no getOWVersion.
-    CommandResult notModule = runCommand(std::string(CIMHOST_BINARY) + " --provider /lib/x86_64-linux-gnu/libz.so.1"
+    CommandResult notModule = runCommand(std::string(CIMHOST_BINARY) + " --provider " + CIMHOST_NOT_A_MODULE +
                                          " --mof " + CIMHOST_TEST_MOF + " --listen 127.0.0.1:0", dir);
     EXPECT_EQ(notModule.exitCode, 1);
     EXPECT_NE(notModule.err.find("has no getOWVersion"), std::string::npos) << notModule.err;

@@ -23,6 +23,12 @@ public:
 	String();
 	explicit String(Int32 val);
 	explicit String(UInt32 val);
+#if defined(OW_INT32_IS_INT) && defined(OW_INT64_IS_LONG_LONG)
+	// Where neither Int32 nor Int64 is long (32-bit long), long and unsigned
+	// long get constructors of their own.
+	explicit String(long val);
+	explicit String(unsigned long val);
+#endif
 	explicit String(Int64 val);
 	explicit String(UInt64 val);
 	explicit String(Real32 val);

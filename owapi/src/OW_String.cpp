@@ -117,6 +117,22 @@ String::String(UInt32 val)
 	*this = String(buf);
 }
 
+#if defined(OW_INT32_IS_INT) && defined(OW_INT64_IS_LONG_LONG)
+String::String(long val)
+{
+	char buf[32];
+	std::snprintf(buf, sizeof(buf), "%ld", val);
+	*this = String(buf);
+}
+
+String::String(unsigned long val)
+{
+	char buf[32];
+	std::snprintf(buf, sizeof(buf), "%lu", val);
+	*this = String(buf);
+}
+#endif
+
 String::String(Int64 val)
 {
 	char buf[32];

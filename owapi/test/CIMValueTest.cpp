@@ -19,8 +19,10 @@ TEST(CIMValueConstruction, OverloadsPickTheDocumentedTypes)
 	} cases[] = {
 		{ CIMValue(5), CIMDataType::SINT32 },
 		{ CIMValue(5u), CIMDataType::UINT32 },
-		{ CIMValue(5L), CIMDataType::SINT64 },
-		{ CIMValue(size_t(5)), CIMDataType::UINT64 },
+		{ CIMValue(Int64(5)), CIMDataType::SINT64 },
+		{ CIMValue(UInt64(5)), CIMDataType::UINT64 },
+		// size_t is unsigned long on LP64 (UInt64), unsigned int on ILP32 (UInt32).
+		{ CIMValue(size_t(5)), sizeof(size_t) == 8 ? CIMDataType::UINT64 : CIMDataType::UINT32 },
 		{ CIMValue('c'), CIMDataType::SINT32 },
 		{ CIMValue(true), CIMDataType::BOOLEAN },
 		{ CIMValue(Bool(false)), CIMDataType::BOOLEAN },

@@ -56,6 +56,10 @@ TEST(StringBasics, NumbersFormatLikePrintf)
 {
 	EXPECT_STREQ("-5", String(Int32(-5)).c_str());
 	EXPECT_STREQ("18446744073709551615", String(UInt64(~UInt64(0))).c_str());
+	// long and unsigned long: Int64 and UInt64 on LP64, constructors of their
+	// own where long is 32 bits; either way a plain long converts unambiguously.
+	EXPECT_STREQ("-2147483648", String(-2147483647L - 1).c_str());
+	EXPECT_STREQ("4294967295", String(4294967295UL).c_str());
 	EXPECT_STREQ("1.5", String(Real64(1.5)).c_str());
 	EXPECT_STREQ("0.1", String(Real32(0.1f)).c_str());
 	// bool promotes to Int32.

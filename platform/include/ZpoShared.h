@@ -85,7 +85,8 @@ typedef struct ZpoScheduledTaskInfo {
 } ZpoScheduledTaskInfo;
 
 #pragma pack(push, 4)
-/* Entry of the list returned by ZpoGetScheduledTaskList (332 bytes). */
+/* Entry of the list returned by ZpoGetScheduledTaskList: `next` at offset 324,
+ * so 328 bytes with 32-bit pointers, 332 with 64-bit ones. */
 typedef struct ZpoScheduledTaskList {
   ZpoScheduledTaskInfo info;
   uint16_t padding;

@@ -53,7 +53,7 @@ bool socketAddress(const std::string& path, sockaddr_un* address) {
 
 void listen(std::shared_ptr<Listener> listener) {
   for (;;) {
-    uint64_t event = 0;
+    RestoreEvent event = 0;
     const ssize_t received = ::recv(listener->fd, &event, sizeof event, 0);
     if (listener->stopping) break;
     if (received != static_cast<ssize_t>(sizeof event)) {
@@ -129,19 +129,34 @@ const int gForkHandlers = pthread_atfork(lockListenerBeforeFork, unlockListenerI
 
 }  // namespace
 
-int notifyRegisteredProcesses(const std::string& canonicalRoot, unsigned long event) {
+int notifyRegisteredProcesses(const std::string& canonicalRoot, RestoreEvent event, std::string* error) {
   const std::string folder = canonicalRoot + "/notify";
   DIR* directory = opendir(folder.c_str());
-  if (directory == nullptr) return 0;
+  if (directory == nullptr) {
+    if (errno == ENOENT) return 0;  // nobody ever registered
+    *error = "cannot open " + folder + ": " + std::strerror(errno);
+    return -1;
+  }
   std::vector<std::string> sockets;
-  while (dirent* item = readdir(directory)) {
+  for (;;) {
+    errno = 0;  // readdir reports the end and an error alike by NULL
+    const dirent* item = readdir(directory);
+    if (item == nullptr) break;
     const std::string name = item->d_name;
     if (name.size() > 5 && name.compare(name.size() - 5, 5, ".sock") == 0) sockets.push_back(folder + "/" + name);
   }
+  const int readError = errno;
   closedir(directory);
+  if (readError != 0) {
+    *error = "cannot read " + folder + ": " + std::strerror(readError);
+    return -1;
+  }
   const int fd = ::socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0);
-  if (fd < 0) return 0;
-  const uint64_t message = event;
+  if (fd < 0) {
+    *error = std::string("cannot create a socket: ") + std::strerror(errno);
+    return -1;
+  }
+  const RestoreEvent message = event;
   int told = 0;
   for (const std::string& path : sockets) {
     sockaddr_un address;

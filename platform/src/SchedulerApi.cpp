@@ -28,7 +28,9 @@ static_assert(offsetof(ZpoScheduledTaskInfo, month) == 320, "task list record");
 static_assert(offsetof(ZpoScheduledTaskList, info) == 0, "task list entry");
 static_assert(offsetof(ZpoScheduledTaskList, padding) == 322, "task list entry");
 static_assert(offsetof(ZpoScheduledTaskList, next) == 324, "task list entry");
-static_assert(sizeof(ZpoScheduledTaskList) == 332, "task list entry");
+// Packed to 4: `next` follows at 324 on every ABI, so the entry is 328 bytes
+// with 32-bit pointers and 332 with 64-bit ones.
+static_assert(sizeof(ZpoScheduledTaskList) == 324 + sizeof(void*), "task list entry");
 
 namespace {
 

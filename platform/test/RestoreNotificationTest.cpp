@@ -6,6 +6,7 @@
 #include <atomic>
 #include <chrono>
 #include <cstdlib>
+#include <cstring>
 #include <filesystem>
 #include <poll.h>
 #include <string>
@@ -113,6 +114,24 @@ TEST_F(RestoreNotification, RestoreReachesACallbackInAnotherProcess) {
   waitpid(child, nullptr, 0);
   ASSERT_TRUE(eventRead) << "no callback ran in the other process";
   EXPECT_EQ(ZPO_EVENT_RESTORE, event);
+}
+
+// The event crosses between processes as 4 bytes on every architecture.
+TEST_F(RestoreNotification, EventTravelsAsFourBytes) {
+  const int fd = socket(AF_UNIX, SOCK_DGRAM, 0);
+  sockaddr_un address = {};
+  address.sun_family = AF_UNIX;
+  std::snprintf(address.sun_path, sizeof address.sun_path, "%s/notify/%d.sock", root.path().c_str(),
+                static_cast<int>(getpid()));
+  ASSERT_EQ(0, bind(fd, reinterpret_cast<sockaddr*>(&address), sizeof address));
+  ASSERT_EQ(0, zpo("reg restore " + backupFile()));
+  unsigned char datagram[16] = {};
+  const ssize_t received = recv(fd, datagram, sizeof datagram, MSG_DONTWAIT);
+  close(fd);
+  ASSERT_EQ(4, received);
+  uint32_t event = 0;
+  std::memcpy(&event, datagram, 4);
+  EXPECT_EQ(static_cast<uint32_t>(ZPO_EVENT_RESTORE), event);
 }
 
 TEST_F(RestoreNotification, SocketOfADeadProcessIsRemoved) {

@@ -190,7 +190,11 @@ int regCommand(const Args& args) {
   if (verb == "restore" && count == 2) {
     return withStore([&](zpo::RegistryStore& store) {
       if (store.restoreFrom(args[1]) != ZPO_OK) return storageFailure(&store);
-      zpo::notifyRegisteredProcesses(store.root(), ZPO_EVENT_RESTORE);
+      std::string error;
+      if (zpo::notifyRegisteredProcesses(store.root(), ZPO_EVENT_RESTORE, &error) < 0) {
+        std::fprintf(stderr, "zpo: restored, but registered processes not told: %s\n", error.c_str());
+        return kFailed;
+      }
       return kDone;
     });
   }

@@ -95,7 +95,7 @@ TEST_F(LoadedModuleTest, ExportsTheFactoryAndTheInterfaceVersion) {
 }
 
 TEST_F(LoadedModuleTest, LeavesNoUndefinedSymbol) {
-  std::string command = std::string("ldd -r ") + CDR_PROVIDER_MODULE + " 2>&1";
+  std::string command = std::string(CDR_LDD_COMMAND) + " " + CDR_PROVIDER_MODULE + " 2>&1";
   FILE* pipe = popen(command.c_str(), "r");
   ASSERT_NE(nullptr, pipe);
   std::string output;
