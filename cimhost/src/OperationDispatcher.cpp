@@ -116,8 +116,12 @@ const ClassDefinition& OperationDispatcher::requireInstanceClass(const std::stri
 
 OW::CppInstanceProviderIFC& OperationDispatcher::instanceProviderFor(const ClassDefinition& cls) const {
     OW::CppInstanceProviderIFC* provider = isBound(cls.qualifiers) ? module_->instanceProvider() : nullptr;
-    if (!provider) throwCim(CIMException::FAILED, "no instance provider serves class " + cls.name);
-    return *provider;
+    if (provider) return *provider;
+    // As the object manager answers when its provider manager has no such
+    // instance provider.
+    std::optional<ProviderBinding> binding = parseProviderQualifier(cls.qualifiers);
+    if (binding) throwCim(CIMException::FAILED, "Invalid provider: " + binding->providerId);
+    throwCim(CIMException::FAILED, "no instance provider serves class " + cls.name);
 }
 
 const OW::CIMClass& OperationDispatcher::apiClass(const ClassDefinition& cls) {

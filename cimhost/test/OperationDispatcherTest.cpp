@@ -122,7 +122,7 @@ TEST_F(Dispatcher, ErrorsCarryOpenWbem30Descriptions) {
         {call("DeleteClass", param("ClassName", "<CLASSNAME NAME=\"No_Such\"/>")), "<ERROR CODE=\"6\""},
         {call("DeleteClass", param("ClassName", "<CLASSNAME NAME=\"Test_Widget\"/>")), "<ERROR CODE=\"7\""},
         {call("EnumerateInstances", param("ClassName", "<CLASSNAME NAME=\"Test_Elsewhere\"/>")),
-         "<ERROR CODE=\"1\" DESCRIPTION=\"general error (no instance provider serves class Test_Elsewhere)\"/>"},
+         "<ERROR CODE=\"1\" DESCRIPTION=\"general error (Invalid provider: OtherProvider)\"/>"},
         // Parameters missing or of the wrong form: CIM error 4, as XMLExecute
         // reads them, not HTTP 400.
         {call("GetInstance", ""),
