@@ -33,8 +33,15 @@ void writeTextValue(XmlWriter& xml, const TextValue& value) {
 }
 
 
+// Flavors are written where they differ from the defaults, as OpenWBEM
+// writes them: OVERRIDABLE="false" for DisableOverride, TOSUBCLASS="false"
+// for Restricted, TRANSLATABLE="true".
 void writeDefinedQualifier(XmlWriter& xml, const Qualifier& q) {
-    xml.start("QUALIFIER", {{"NAME", q.name}, {"TYPE", q.type}});
+    XmlAttributeList attributes{{"NAME", q.name}, {"TYPE", q.type}};
+    if (!q.flavors.overridable) attributes.emplace_back("OVERRIDABLE", "false");
+    if (!q.flavors.toSubclass) attributes.emplace_back("TOSUBCLASS", "false");
+    if (q.flavors.translatable) attributes.emplace_back("TRANSLATABLE", "true");
+    xml.start("QUALIFIER", attributes);
     writeTextValue(xml, q.value);
     xml.end("QUALIFIER");
 }
