@@ -62,9 +62,10 @@ std::string classPathText(const std::string& nameSpace, const std::string& class
     return text(OW::CIMObjectPath(OW::CIMName(String(className.c_str())), String(nameSpace.c_str())).toString());
 }
 
-bool isAssociation(const ClassDefinition& cls) {
-    const Qualifier* q = findQualifier(cls.qualifiers, "Association");
-    return q && !q->value.isNull && !q->value.elements.empty() && namesEqual(q->value.elements.front(), "true");
+bool hasTrueQualifier(const ClassDefinition& cls, const char* name) {
+    const Qualifier* q = findQualifier(cls.qualifiers, name);
+    return q && !q->value.isNull && !q->value.isArray && !q->value.elements.empty() &&
+           namesEqual(q->value.elements.front(), "true");
 }
 
 Flags::ELocalOnlyFlag localOnlyFlag(bool on) { return on ? Flags::E_LOCAL_ONLY : Flags::E_NOT_LOCAL_ONLY; }
@@ -384,8 +385,7 @@ void OperationDispatcher::createInstance(const CimRequest& request, Context& con
     std::optional<InstanceText> text = request.instanceParam("NewInstance");
     if (!text) missingParameter("NewInstance");
     const ClassDefinition& cls = requireInstanceClass(text->className, context);
-    const Qualifier* abstract = findQualifier(cls.qualifiers, "Abstract");
-    if (abstract && !abstract->value.isNull && namesEqual(abstract->value.elements.front(), "true")) {
+    if (hasTrueQualifier(cls, "Abstract")) {
         throwCim(CIMException::INVALID_PARAMETER,
                  "Unable to create instance because class (" + cls.name + ") is abstract");
     }
@@ -487,7 +487,9 @@ void OperationDispatcher::associations(const CimRequest& request, Context& conte
     auto requireAssociation = [&](const std::optional<std::string>& name) {
         if (!name || name->empty()) return;
         const ClassDefinition& cls = lookUp(*name);
-        if (!isAssociation(cls)) throwCim(CIMException::INVALID_PARAMETER, "class " + cls.name + " is not an association");
+        if (!hasTrueQualifier(cls, "Association")) {
+            throwCim(CIMException::INVALID_PARAMETER, "class " + cls.name + " is not an association");
+        }
     };
     lookUp(objectName->className);
     bool associators = op == "Associators" || op == "AssociatorNames";
@@ -498,6 +500,8 @@ void OperationDispatcher::associations(const CimRequest& request, Context& conte
     } else {
         requireAssociation(resultClass);
     }
+    // The other parameters change nothing in an empty answer, but one of the
+    // wrong form is still refused.
     request.stringParam("Role");
     if (associators) request.stringParam("ResultRole");
     request.booleanParam("IncludeQualifiers");
