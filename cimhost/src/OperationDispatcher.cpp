@@ -146,13 +146,14 @@ std::string OperationDispatcher::handle(const CimRequest& request, const std::st
     try {
         try {
             std::lock_guard<std::mutex> lock(providerMutex_);
-            if (!namesEqual(trimSlashes(request.nameSpace), nameSpace_)) {
-                throwCim(CIMException::INVALID_NAMESPACE, request.nameSpace);
-            }
             Context context{OW::ProviderEnvironmentIFCRef(new HostProviderEnvironment(log_, userName)),
                             request.nameSpace};
-            if (request.intrinsic) runIntrinsic(request, context, content);
-            else runExtrinsic(request, context, content);
+            if (request.intrinsic) {
+                runIntrinsic(request, context, content);
+            } else {
+                checkNameSpace(request.nameSpace);
+                runExtrinsic(request, context, content);
+            }
         } catch (const InvalidRequest& e) {
             // Parameters are read as the operation runs: one of the wrong
             // form is a CIM error, not an HTTP one.
@@ -178,8 +179,107 @@ std::string OperationDispatcher::handle(const CimRequest& request, const std::st
     return xml.str();
 }
 
+namespace {
+
+enum class ParamKind { ClassName, Boolean, String, StringArray, ObjectName, InstanceName, Instance, NamedInstance, Value };
+
+struct ParamSpec {
+    const char* name;
+    ParamKind kind;
+    bool required;
+};
+
+struct OperationSpec {
+    const char* name;
+    std::vector<ParamSpec> params;
+};
+
+// The intrinsic operations the host runs and the parameters each takes, as
+// owcimomd's XMLExecute declares them.
+const std::vector<OperationSpec>& operationSpecs() {
+    using K = ParamKind;
+    const ParamSpec localOnly{"LocalOnly", K::Boolean, false};
+    const ParamSpec deep{"DeepInheritance", K::Boolean, false};
+    const ParamSpec qualifiers{"IncludeQualifiers", K::Boolean, false};
+    const ParamSpec origin{"IncludeClassOrigin", K::Boolean, false};
+    const ParamSpec list{"PropertyList", K::StringArray, false};
+    const ParamSpec objectName{"ObjectName", K::ObjectName, true};
+    const ParamSpec resultClass{"ResultClass", K::ClassName, false};
+    const ParamSpec role{"Role", K::String, false};
+    static const std::vector<OperationSpec> specs{
+        {"EnumerateClassNames", {{"ClassName", K::ClassName, false}, deep}},
+        {"EnumerateClasses", {{"ClassName", K::ClassName, false}, deep, localOnly, qualifiers, origin}},
+        {"GetClass", {{"ClassName", K::ClassName, true}, localOnly, qualifiers, origin, list}},
+        {"DeleteClass", {{"ClassName", K::ClassName, true}}},
+        {"EnumerateInstanceNames", {{"ClassName", K::ClassName, true}}},
+        {"EnumerateInstances", {{"ClassName", K::ClassName, true}, localOnly, deep, qualifiers, origin, list}},
+        {"GetInstance", {{"InstanceName", K::InstanceName, true}, localOnly, qualifiers, origin, list}},
+        {"ModifyInstance", {{"ModifiedInstance", K::NamedInstance, true}, qualifiers, list}},
+        {"CreateInstance", {{"NewInstance", K::Instance, true}}},
+        {"DeleteInstance", {{"InstanceName", K::InstanceName, true}}},
+        {"GetProperty", {{"InstanceName", K::InstanceName, true}, {"PropertyName", K::String, true}}},
+        {"SetProperty",
+         {{"InstanceName", K::InstanceName, true}, {"PropertyName", K::String, true}, {"NewValue", K::Value, false}}},
+        {"ExecQuery", {{"QueryLanguage", K::String, true}, {"Query", K::String, true}}},
+        {"Associators",
+         {objectName, {"AssocClass", K::ClassName, false}, resultClass, role, {"ResultRole", K::String, false},
+          qualifiers, origin, list}},
+        {"AssociatorNames",
+         {objectName, {"AssocClass", K::ClassName, false}, resultClass, role, {"ResultRole", K::String, false}}},
+        {"References", {objectName, resultClass, role, qualifiers, origin, list}},
+        {"ReferenceNames", {objectName, resultClass, role}},
+    };
+    return specs;
+}
+
+// Reads every parameter in request order, as the object manager does before
+// it runs the operation: an unknown one, one of the wrong form and a missing
+// required one are CIM_ERR_INVALID_PARAMETER.
+void checkParameters(const CimRequest& request, const OperationSpec& spec) {
+    for (const auto& [name, node] : request.intrinsicParams) {
+        const ParamSpec* param = nullptr;
+        for (const ParamSpec& candidate : spec.params) {
+            if (namesEqual(candidate.name, name)) param = &candidate;
+        }
+        if (!param) throwCim(CIMException::INVALID_PARAMETER, "Parameter " + name + " is not a valid parameter");
+        switch (param->kind) {
+            case ParamKind::ClassName: request.classNameParam(name); break;
+            case ParamKind::Boolean: request.booleanParam(name); break;
+            case ParamKind::String: request.stringParam(name); break;
+            case ParamKind::StringArray: request.stringArrayParam(name); break;
+            case ParamKind::ObjectName: request.objectNameParam(name); break;
+            case ParamKind::InstanceName:
+                if (std::optional<InstanceNameText> path = request.objectNameParam(name); path && path->isClassPath) {
+                    throw InvalidRequest("Parameter " + name + " is the wrong type.  Expected <INSTANCENAME> tag.");
+                }
+                break;
+            case ParamKind::Instance: request.instanceParam(name); break;
+            case ParamKind::NamedInstance: request.namedInstanceParam(name); break;
+            case ParamKind::Value: request.valueParam(name); break;
+        }
+    }
+    for (const ParamSpec& param : spec.params) {
+        if (param.required && !request.hasParam(param.name)) missingParameter(param.name);
+    }
+}
+
+}  // namespace
+
+void OperationDispatcher::checkNameSpace(const std::string& nameSpace) const {
+    if (!namesEqual(trimSlashes(nameSpace), nameSpace_)) throwCim(CIMException::INVALID_NAMESPACE, nameSpace);
+}
+
 void OperationDispatcher::runIntrinsic(const CimRequest& request, Context& context, XmlWriter& xml) {
-    const std::string& op = request.methodName;
+    // Operation names are matched ignoring case; the parameters are read
+    // before the namespace is looked at.
+    const OperationSpec* spec = nullptr;
+    for (const OperationSpec& candidate : operationSpecs()) {
+        if (namesEqual(candidate.name, request.methodName)) spec = &candidate;
+    }
+    if (!spec) throwCim(CIMException::NOT_SUPPORTED, "");
+    checkParameters(request, *spec);
+    checkNameSpace(request.nameSpace);
+    const std::string op = spec->name;
     if (op == "EnumerateClassNames") enumerateClassNames(request, xml);
     else if (op == "EnumerateClasses") enumerateClasses(request, xml);
     else if (op == "GetClass") getClass(request, context, xml);
@@ -193,11 +293,7 @@ void OperationDispatcher::runIntrinsic(const CimRequest& request, Context& conte
     else if (op == "GetProperty") getProperty(request, context, xml);
     else if (op == "SetProperty") setProperty(request, context);
     else if (op == "ExecQuery") execQuery(request);
-    else if (op == "Associators" || op == "AssociatorNames" || op == "References" || op == "ReferenceNames") {
-        associations(request, context, xml);
-    } else {
-        throwCim(CIMException::NOT_SUPPORTED, "");
-    }
+    else associations(request, context, xml);
 }
 
 namespace {
@@ -344,7 +440,6 @@ OW::CIMInstance OperationDispatcher::providerGetInstance(Context& context, const
 void OperationDispatcher::getInstance(const CimRequest& request, Context& context, XmlWriter& xml) {
     std::optional<InstanceNameText> name = request.objectNameParam("InstanceName");
     if (!name) missingParameter("InstanceName");
-    if (name->isClassPath) throw InvalidRequest("InstanceName is a class name");
     const ClassDefinition& cls = requireInstanceClass(name->className, context);
     std::optional<std::vector<std::string>> list = request.stringArrayParam("PropertyList");
     OW::StringArray propertyList = list ? toStringArray(*list) : OW::StringArray();
@@ -401,7 +496,6 @@ void OperationDispatcher::createInstance(const CimRequest& request, Context& con
 void OperationDispatcher::deleteInstance(const CimRequest& request, Context& context) {
     std::optional<InstanceNameText> name = request.objectNameParam("InstanceName");
     if (!name) missingParameter("InstanceName");
-    if (name->isClassPath) throw InvalidRequest("InstanceName is a class name");
     const ClassDefinition& cls = requireInstanceClass(name->className, context);
     OW::CIMObjectPath path = objectPathFromText(*name, context.nameSpace, &cls);
     // The object must exist before it can go.
@@ -415,7 +509,6 @@ void OperationDispatcher::getProperty(const CimRequest& request, Context& contex
     if (!name) missingParameter("InstanceName");
     std::optional<std::string> propertyName = request.stringParam("PropertyName");
     if (!propertyName) missingParameter("PropertyName");
-    if (name->isClassPath) throw InvalidRequest("InstanceName is a class name");
     const ClassDefinition& cls = requireInstanceClass(name->className, context);
     OW::CIMName property(String(propertyName->c_str()));
     if (!apiClass(cls).getProperty(property)) throwCim(CIMException::NO_SUCH_PROPERTY, *propertyName);
@@ -436,7 +529,6 @@ void OperationDispatcher::setProperty(const CimRequest& request, Context& contex
     if (!name) missingParameter("InstanceName");
     std::optional<std::string> propertyName = request.stringParam("PropertyName");
     if (!propertyName) missingParameter("PropertyName");
-    if (name->isClassPath) throw InvalidRequest("InstanceName is a class name");
     std::optional<TextValue> newValue = request.valueParam("NewValue");
     const ClassDefinition& cls = requireInstanceClass(name->className, context);
     OW::CIMProperty classProperty = apiClass(cls).getProperty(OW::CIMName(String(propertyName->c_str())));
@@ -478,7 +570,7 @@ void OperationDispatcher::execQuery(const CimRequest& request) {
 // associator provider is asked. The classes named in the request are still
 // checked as owcimomd checks them.
 void OperationDispatcher::associations(const CimRequest& request, Context& context, XmlWriter& xml) {
-    const std::string& op = request.methodName;
+    std::string op = lowerCase(request.methodName);
     std::optional<InstanceNameText> objectName = request.objectNameParam("ObjectName");
     if (!objectName) missingParameter("ObjectName");
     auto lookUp = [&](const std::string& name) -> const ClassDefinition& {
@@ -492,7 +584,7 @@ void OperationDispatcher::associations(const CimRequest& request, Context& conte
         }
     };
     lookUp(objectName->className);
-    bool associators = op == "Associators" || op == "AssociatorNames";
+    bool associators = op == "associators" || op == "associatornames";
     std::optional<std::string> resultClass = request.classNameParam("ResultClass");
     if (associators) {
         requireAssociation(request.classNameParam("AssocClass"));
@@ -500,13 +592,6 @@ void OperationDispatcher::associations(const CimRequest& request, Context& conte
     } else {
         requireAssociation(resultClass);
     }
-    // The other parameters change nothing in an empty answer, but one of the
-    // wrong form is still refused.
-    request.stringParam("Role");
-    if (associators) request.stringParam("ResultRole");
-    request.booleanParam("IncludeQualifiers");
-    request.booleanParam("IncludeClassOrigin");
-    request.stringArrayParam("PropertyList");
     xml.start("IRETURNVALUE").end("IRETURNVALUE");
 }
 

@@ -58,6 +58,8 @@ private:
     void execQuery(const CimRequest& request);
     void associations(const CimRequest& request, Context& context, XmlWriter& xml);
 
+    // CIM_ERR_INVALID_NAMESPACE unless `nameSpace` is the host's.
+    void checkNameSpace(const std::string& nameSpace) const;
     // The class of a name, ignoring case; else CIM error `code` with `message`.
     const ClassDefinition& requireClass(const std::string& className, OpenWBEM::CIMException::ErrNoType code,
                                         const std::string& message) const;

@@ -87,9 +87,10 @@ TEST_F(Dispatcher, AnswersClassOperationsFromTheMof) {
     std::string names = run(call("EnumerateClassNames", param("DeepInheritance", "<VALUE>TRUE</VALUE>")));
     EXPECT_NE(names.find("<IRETURNVALUE><CLASSNAME NAME=\"Test_Widget\"/><CLASSNAME NAME=\"Test_Elsewhere\"/></IRETURNVALUE>"),
               std::string::npos) << names;
-    std::string cls = run(call("GetClass", param("ClassName", "<CLASSNAME NAME=\"test_widget\"/>")));
+    // Operation names are matched ignoring case, as owcimomd matches them.
+    std::string cls = run(call("getclass", param("ClassName", "<CLASSNAME NAME=\"test_widget\"/>")));
     EXPECT_EQ(cls.rfind("<?xml version=\"1.0\" encoding=\"utf-8\" ?>\n", 0), 0u);
-    EXPECT_NE(cls.find("<IMETHODRESPONSE NAME=\"GetClass\"><IRETURNVALUE><CLASS NAME=\"Test_Widget\">"), std::string::npos);
+    EXPECT_NE(cls.find("<IMETHODRESPONSE NAME=\"getclass\"><IRETURNVALUE><CLASS NAME=\"Test_Widget\">"), std::string::npos);
     // Flavors other than the defaults show, as OpenWBEM writes them.
     EXPECT_NE(cls.find("<PROPERTY NAME=\"Id\" TYPE=\"string\"><QUALIFIER NAME=\"Key\" TYPE=\"boolean\" OVERRIDABLE=\"false\">"
                        "<VALUE>true</VALUE></QUALIFIER></PROPERTY>"), std::string::npos) << cls;
@@ -131,6 +132,13 @@ TEST_F(Dispatcher, ErrorsCarryOpenWbem30Descriptions) {
          "<ERROR CODE=\"4\" DESCRIPTION=\"invalid parameter passed to method (Non-optional parameter InstanceName "
          "was not given)\"/>"},
         {call("EnumerateInstances", param("ClassName", "<VALUE>Test_Widget</VALUE>")), "<ERROR CODE=\"4\""},
+        {call("GetInstance", param("InstanceName", "<CLASSNAME NAME=\"Test_Widget\"/>")), "<ERROR CODE=\"4\""},
+        {call("EnumerateInstanceNames", param("ClassName", "<CLASSNAME NAME=\"Test_Widget\"/>") +
+                                            param("DeepInheritance", "<VALUE>true</VALUE>")),
+         "<ERROR CODE=\"4\" DESCRIPTION=\"invalid parameter passed to method (Parameter DeepInheritance is not a "
+         "valid parameter)\"/>"},
+        // All parameters are read before the namespace is looked at.
+        {call("GetInstance", "", "root/other"), "(Non-optional parameter InstanceName was not given)"},
     };
     for (const auto& [body, expected] : cases) {
         std::string response = run(body);
