@@ -233,6 +233,14 @@ TEST_F(CdrHost, ObjectManagerAnswersWhereTheModuleIsNotAsked) {
         << readFile(scratch.file("response.xml"));
 }
 
+// The push statistics hold no transfer time yet: the module reports the
+// empty date-time, which the 3.0 series writes as a zero date.
+TEST_F(CdrHost, EmptyDateTimeIsWrittenAsOpenWbem30WritesIt) {
+    CommandResult statistics = wbemcli("ei -nl '" + url + ":QTX_CDRPushStatistics'");
+    ASSERT_EQ(statistics.exitCode, 0) << statistics.err;
+    EXPECT_NE(statistics.out.find("-LastTransferTime=00000000000000.000000+000"), std::string::npos) << statistics.out;
+}
+
 // owcimomd converts each property of a modified instance to the class's
 // type before the module sees it; a value that does not convert is its
 // CIM_ERR_FAILED, and nothing is written.
