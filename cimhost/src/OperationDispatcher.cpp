@@ -155,8 +155,8 @@ std::string OperationDispatcher::handle(const CimRequest& request, const std::st
                 runExtrinsic(request, context, content);
             }
         } catch (const InvalidRequest& e) {
-            // Parameters are read as the operation runs: one of the wrong
-            // form is a CIM error, not an HTTP one.
+            // A parameter of the wrong form is a CIM error, as the object
+            // manager reports it, not an HTTP one.
             throwCim(CIMException::INVALID_PARAMETER, e.what());
         }
     } catch (const CIMException& e) {
