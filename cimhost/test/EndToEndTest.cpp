@@ -227,9 +227,9 @@ TEST_F(CdrHost, ObjectManagerAnswersWhereTheModuleIsNotAsked) {
     std::string body = intrinsicBody(
         "EnumerateInstances", "<IPARAMVALUE NAME=\"ClassName\"><CLASSNAME NAME=\"QTX_CDRPushSetting\"/></IPARAMVALUE>");
     ASSERT_EQ(curl("EnumerateInstances", body).exitCode, 0);
-    EXPECT_NE(readFile(scratch.file("response.xml"))
-                  .find("<VALUE.NAMEDINSTANCE><INSTANCENAME CLASSNAME=\"QTX_CDRPushSetting\"></INSTANCENAME>"),
-              std::string::npos)
+    EXPECT_TRUE(std::regex_search(readFile(scratch.file("response.xml")),
+                                  std::regex("<VALUE.NAMEDINSTANCE><INSTANCENAME CLASSNAME=\"QTX_CDRPushSetting\">\\s*"
+                                             "</INSTANCENAME>")))
         << readFile(scratch.file("response.xml"));
 }
 
@@ -261,7 +261,7 @@ TEST_F(CdrHost, ModifiedValuesAreConvertedToTheClassTypes) {
         return readFile(scratch.file("response.xml"));
     };
     EXPECT_NE(modify("string", "abc").find("<ERROR CODE=\"1\" DESCRIPTION=\"general error (Unable to convert "
-                                           "&quot;abc&quot; into UInt16)\"/>"),
+                                           "&quot;abc&quot; into UInt16)\""),
               std::string::npos);
     EXPECT_EQ(zpo("reg list").out, before);
     std::string changed = modify("string", "20");
@@ -304,7 +304,11 @@ TEST_F(CdrHost, MalformedRequestsAreRefusedWithoutHarm) {
     // A parameter of the wrong form is CIM error 4, as owcimomd reads it.
     CommandResult invalid = curl("ModifyInstance", wrongShape);
     EXPECT_NE(invalid.out.find("HTTP/1.1 200"), std::string::npos) << invalid.out;
-    EXPECT_NE(readFile(scratch.file("response.xml")).find("<ERROR CODE=\"4\""), std::string::npos);
+    EXPECT_NE(readFile(scratch.file("response.xml"))
+                  .find("<ERROR CODE=\"4\" DESCRIPTION=\"invalid parameter passed to method (Parameter ModifiedInstance "
+                        "is the wrong type.  Expected &lt;VALUE.NAMEDINSTANCE&gt; tag."),
+              std::string::npos)
+        << readFile(scratch.file("response.xml"));
     std::string oversize = modify;
     oversize.insert(oversize.find("</CIM>"), std::string(5 * 1024 * 1024, ' '));
     CommandResult tooLarge = curl("ModifyInstance", oversize);
@@ -312,6 +316,7 @@ TEST_F(CdrHost, MalformedRequestsAreRefusedWithoutHarm) {
     CommandResult doctype = curl("ModifyInstance", "<?xml version=\"1.0\"?><!DOCTYPE CIM [<!ENTITY a \"b\">]>" +
                                                        modify.substr(modify.find("<CIM ")));
     EXPECT_NE(doctype.out.find("HTTP/1.1 400"), std::string::npos) << doctype.out;
+    EXPECT_NE(doctype.out.find("CIMError: request-not-well-formed"), std::string::npos) << doctype.out;
     EXPECT_EQ(zpo("reg list").out, before);
     // Still serving, and the complete request does change the bin.
     CommandResult complete = curl("ModifyInstance", modify);
@@ -331,17 +336,19 @@ TEST_F(CdrHost, InstancesCarryApplicableAndValidValueMap) {
         "<KEYVALUE>CDRService</KEYVALUE></KEYBINDING></INSTANCENAME></IPARAMVALUE>");
     ASSERT_EQ(curl("GetInstance", service).exitCode, 0);
     std::string response = readFile(scratch.file("response.xml"));
-    EXPECT_NE(response.find("<PROPERTY NAME=\"ReportType\" TYPE=\"uint8\"><QUALIFIER NAME=\"ValidValueMap\" "
-                            "TYPE=\"uint32\"><VALUE.ARRAY><VALUE>0</VALUE><VALUE>1</VALUE><VALUE>2</VALUE>"
-                            "<VALUE>3</VALUE></VALUE.ARRAY></QUALIFIER>"),
-              std::string::npos)
+    // OpenWBEM writes a blank before the end of these start tags; either form reads the same.
+    EXPECT_TRUE(std::regex_search(response, std::regex("<PROPERTY NAME=\"ReportType\" TYPE=\"uint8\" ?><QUALIFIER "
+                                                       "NAME=\"ValidValueMap\" TYPE=\"uint32\" ?><VALUE.ARRAY><VALUE>0"
+                                                       "</VALUE><VALUE>1</VALUE><VALUE>2</VALUE><VALUE>3</VALUE>"
+                                                       "</VALUE.ARRAY></QUALIFIER>")))
         << response;
     std::string pull = intrinsicBody(
         "EnumerateInstances", "<IPARAMVALUE NAME=\"ClassName\"><CLASSNAME NAME=\"QTX_CDRPullStatistics\"/></IPARAMVALUE>"
                               "<IPARAMVALUE NAME=\"IncludeQualifiers\"><VALUE>TRUE</VALUE></IPARAMVALUE>");
     ASSERT_EQ(curl("EnumerateInstances", pull).exitCode, 0);
     response = readFile(scratch.file("response.xml"));
-    EXPECT_NE(response.find("<QUALIFIER NAME=\"Applicable\" TYPE=\"boolean\"><VALUE>"), std::string::npos) << response;
+    EXPECT_TRUE(std::regex_search(response, std::regex("<QUALIFIER NAME=\"Applicable\" TYPE=\"boolean\" ?><VALUE>")))
+        << response;
     ASSERT_EQ(curl("EnumerateInstances", intrinsicBody("EnumerateInstances",
                    "<IPARAMVALUE NAME=\"ClassName\"><CLASSNAME NAME=\"QTX_CDRPullStatistics\"/></IPARAMVALUE>")).exitCode, 0);
     EXPECT_NE(readFile(scratch.file("response.xml")).find("<QUALIFIER NAME=\"Applicable\""), std::string::npos);
