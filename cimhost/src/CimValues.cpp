@@ -23,17 +23,21 @@ using OW::String;
     throw CIMException(__FILE__, __LINE__, code, message.c_str());
 }
 
+// As the object manager reads a VALUE: a text that does not parse as its
+// type is CIM_ERR_INVALID_PARAMETER with the conversion's message, except
+// "NULL" (any case) and the empty text, which read as NULL.
 CIMValue scalarFromText(const std::string& type, const std::string& text) {
-    CIMValue value(OW::CIMNULL);
+    if (CIMDataType::strToSimpleType(String(type.c_str())) == CIMDataType::INVALID) {
+        throwCim(CIMException::INVALID_PARAMETER, "unknown CIM type " + type);
+    }
     try {
-        value = CIMValue::createSimpleValue(String(type.c_str()), String(text.c_str()));
+        return CIMValue::createSimpleValue(String(type.c_str()), String(text.c_str()));
     } catch (const CIMException&) {
         throw;
-    } catch (const OW::Exception&) {
-        throwCim(CIMException::TYPE_MISMATCH, "\"" + text + "\" is not a valid " + type);
+    } catch (const OW::Exception& e) {
+        if (text.empty() || String(text.c_str()).equalsIgnoreCase("NULL")) return CIMValue(OW::CIMNULL);
+        throwCim(CIMException::INVALID_PARAMETER, e.getMessage());
     }
-    if (!value) throwCim(CIMException::INVALID_PARAMETER, "unknown CIM type " + type);
-    return value;
 }
 
 template <class T>
@@ -41,7 +45,9 @@ CIMValue arrayFromTexts(const std::string& type, const std::vector<std::string>&
     OW::Array<T> items;
     for (const std::string& text : texts) {
         T item;
-        scalarFromText(type, text).get(item);
+        CIMValue value = scalarFromText(type, text);
+        if (!value) throwCim(CIMException::INVALID_PARAMETER, "\"" + text + "\" is not a valid " + type);
+        value.get(item);
         items.push_back(item);
     }
     return CIMValue(items);
@@ -87,6 +93,14 @@ OW::CIMQualifierArray qualifiersFromDefinition(const std::vector<Qualifier>& qua
 
 }  // namespace
 
+std::string dateTimeText(const OW::CIMDateTime& dateTime) {
+    // The empty date-time (from an empty text) is a zero date in the 3.0
+    // series, a zero interval in 3.2; the device runs 3.0.
+    bool empty = dateTime.isInterval() && dateTime.getDays() == 0 && dateTime.getHours() == 0 &&
+                 dateTime.getMinutes() == 0 && dateTime.getSeconds() == 0 && dateTime.getMicroSeconds() == 0;
+    return empty ? "00000000000000.000000+000" : dateTime.toString().c_str();
+}
+
 std::string cimTypeName(CIMDataType::Type type) {
     switch (type) {
         case CIMDataType::UINT8: return "uint8";
@@ -131,6 +145,12 @@ CIMValue valueFromText(const std::string& type, const TextValue& text) {
 
 std::vector<std::string> valueTexts(const CIMValue& value) {
     std::vector<std::string> texts;
+    if (value.getType() == CIMDataType::DATETIME && !value.isArray()) {
+        OW::CIMDateTime dateTime(OW::CIMNULL);
+        value.get(dateTime);
+        texts.push_back(dateTimeText(dateTime));
+        return texts;
+    }
     if (!value.isArray()) {
         texts.push_back(value.toString().c_str());
         return texts;
@@ -148,7 +168,12 @@ std::vector<std::string> valueTexts(const CIMValue& value) {
         case CIMDataType::REAL64: appendArrayTexts<OW::Real64>(value, texts); break;
         case CIMDataType::BOOLEAN: appendArrayTexts<OW::Bool>(value, texts); break;
         case CIMDataType::CHAR16: appendArrayTexts<OW::Char16>(value, texts); break;
-        case CIMDataType::DATETIME: appendArrayTexts<OW::CIMDateTime>(value, texts); break;
+        case CIMDataType::DATETIME: {
+            OW::Array<OW::CIMDateTime> items;
+            value.get(items);
+            for (const OW::CIMDateTime& item : items) texts.push_back(dateTimeText(item));
+            break;
+        }
         case CIMDataType::STRING: appendArrayTexts<String>(value, texts); break;
         default: texts.push_back(value.toString().c_str()); break;
     }
@@ -177,31 +202,22 @@ OW::CIMObjectPath objectPathFromText(const InstanceNameText& name, const std::st
     return path;
 }
 
-OW::CIMInstance instanceFromText(const InstanceText& text, const std::string& nameSpace,
-                                 const ClassDefinition* cls) {
+OW::CIMInstance instanceFromText(const InstanceText& text, const std::string& nameSpace) {
     OW::CIMInstance instance(OW::CIMName(String(text.className.c_str())));
     instance.setNameSpace(String(nameSpace.c_str()));
     for (const PropertyText& p : text.properties) {
-        const PropertyDefinition* definition = cls ? cls->findProperty(p.name) : nullptr;
-        std::string type = !p.type.empty() ? p.type : definition ? definition->type : "string";
         OW::CIMName name(String(p.name.c_str()));
         CIMValue value(OW::CIMNULL);
         CIMDataType dataType(OW::CIMNULL);
-        if (p.isReference || type == "reference") {
-            std::string referenceClass = !p.referenceClass.empty() ? p.referenceClass
-                                         : definition             ? definition->referenceClass
-                                                                  : std::string();
-            dataType = dataTypeOf("reference", false, referenceClass);
-            if (p.referenceValue) {
-                const ClassDefinition* none = nullptr;
-                value = CIMValue(objectPathFromText(*p.referenceValue, nameSpace, none));
-            }
+        if (p.isReference) {
+            dataType = dataTypeOf("reference", false, p.referenceClass);
+            if (p.referenceValue) value = CIMValue(objectPathFromText(*p.referenceValue, nameSpace, nullptr));
         } else {
-            dataType = dataTypeOf(type, p.isArray, "");
-            value = valueFromText(type, p.value);
+            if (p.type.empty()) throwCim(CIMException::INVALID_PARAMETER, "property has null data type");
+            dataType = dataTypeOf(p.type, p.isArray, "");
+            value = valueFromText(p.type, p.value);
         }
         OW::CIMProperty property(name, dataType);
-        if (definition && definition->isKey()) property.setQualifier(OW::CIMQualifier::createKeyQualifier());
         property.setValue(value);
         instance.setProperty(property);
     }
@@ -234,20 +250,6 @@ OW::CIMClass cimClassFromDefinition(const ClassDefinition& definition) {
         cls.addMethod(method);
     }
     return cls;
-}
-
-OW::CIMObjectPath pathOfInstance(const OW::CIMInstance& instance, const std::string& nameSpace,
-                                 const ClassDefinition* cls) {
-    OW::CIMObjectPath path(OW::CIMName(instance.getClassName()), String(nameSpace.c_str()));
-    OW::CIMPropertyArray keys = instance.getKeyValuePairs();
-    if (keys.empty() && cls) {
-        for (const PropertyDefinition* key : cls->keyProperties()) {
-            OW::CIMProperty property = instance.getProperty(OW::CIMName(String(key->name.c_str())));
-            if (property) keys.push_back(property);
-        }
-    }
-    path.setKeys(keys);
-    return path;
 }
 
 }  // namespace cimhost

@@ -8,6 +8,7 @@
 
 #include <OW_CIMClass.hpp>
 #include <OW_CIMDataType.hpp>
+#include <OW_CIMDateTime.hpp>
 #include <OW_CIMInstance.hpp>
 #include <OW_CIMObjectPath.hpp>
 #include <OW_CIMQualifier.hpp>
@@ -20,12 +21,16 @@ namespace cimhost {
 
 namespace OW = OpenWBEM;
 
+// The text of a date-time as the 3.0 series writes it.
+std::string dateTimeText(const OW::CIMDateTime& dateTime);
+
 // "uint8" ... "datetime", "reference"; "string" for embedded objects.
 std::string cimTypeName(OW::CIMDataType::Type type);
 
 // The value of `text` as CIM type `type` ("uint32", "reference" is not
-// accepted here). Throws CIMException TYPE_MISMATCH when a text does not
-// parse as that type, INVALID_PARAMETER for an unknown type name.
+// accepted here). A text that does not parse as that type is
+// CIMException INVALID_PARAMETER, except "NULL" and the empty text, which
+// give NULL; so is an unknown type name.
 OW::CIMValue valueFromText(const std::string& type, const TextValue& text);
 
 // Element texts of a non-null, non-reference value: one for a scalar.
@@ -36,18 +41,13 @@ std::vector<std::string> valueTexts(const OW::CIMValue& value);
 OW::CIMObjectPath objectPathFromText(const InstanceNameText& name, const std::string& nameSpace,
                                      const ClassDefinition* cls);
 
-// An instance from an INSTANCE: properties in request order and spelling,
-// typed by TYPE or the class; the class's key properties carry Key.
-OW::CIMInstance instanceFromText(const InstanceText& text, const std::string& nameSpace,
-                                 const ClassDefinition* cls);
+// An instance from an INSTANCE as the client sent it: properties in request
+// order and spelling, typed by their TYPE (required, as the object manager
+// requires it); fitting it to the class is ClassSync's work.
+OW::CIMInstance instanceFromText(const InstanceText& text, const std::string& nameSpace);
 
 // The class definition as the provider API's class, with qualifiers,
 // properties and methods.
 OW::CIMClass cimClassFromDefinition(const ClassDefinition& definition);
-
-// The path of an instance the provider returned: its key list, or failing
-// that the class's key properties taken from the instance.
-OW::CIMObjectPath pathOfInstance(const OW::CIMInstance& instance, const std::string& nameSpace,
-                                 const ClassDefinition* cls);
 
 }  // namespace cimhost

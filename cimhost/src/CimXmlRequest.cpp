@@ -203,6 +203,15 @@ pugi::xml_node CimRequest::findParam(const std::string& name) const {
     return pugi::xml_node();
 }
 
+namespace {
+
+// An intrinsic parameter of the wrong form, worded as owcimomd words it.
+InvalidRequest wrongType(const std::string& name, const std::string& expected) {
+    return InvalidRequest("Parameter " + name + " is the wrong type.  Expected <" + expected + "> tag.");
+}
+
+}  // namespace
+
 bool CimRequest::hasParam(const std::string& name) const { return static_cast<bool>(findParam(name)); }
 
 std::optional<bool> CimRequest::booleanParam(const std::string& name) const {
@@ -211,7 +220,7 @@ std::optional<bool> CimRequest::booleanParam(const std::string& name) const {
     std::vector<pugi::xml_node> children = elementChildren(node);
     if (children.empty()) return std::nullopt;
     if (children.size() != 1 || !isElement(children[0], "VALUE")) {
-        throw InvalidRequest("parameter " + name + " must hold one VALUE");
+        throw wrongType(name, "VALUE");
     }
     std::string text = leafText(children[0]);
     if (namesEqual(text, "true")) return true;
@@ -225,7 +234,7 @@ std::optional<std::string> CimRequest::classNameParam(const std::string& name) c
     std::vector<pugi::xml_node> children = elementChildren(node);
     if (children.empty()) return std::nullopt;
     if (children.size() != 1 || !isElement(children[0], "CLASSNAME")) {
-        throw InvalidRequest("parameter " + name + " must hold one CLASSNAME");
+        throw wrongType(name, "CLASSNAME");
     }
     return requiredAttribute(children[0], "NAME");
 }
@@ -236,7 +245,7 @@ std::optional<std::string> CimRequest::stringParam(const std::string& name) cons
     std::vector<pugi::xml_node> children = elementChildren(node);
     if (children.empty()) return std::nullopt;
     if (children.size() != 1 || !isElement(children[0], "VALUE")) {
-        throw InvalidRequest("parameter " + name + " must hold one VALUE");
+        throw wrongType(name, "VALUE");
     }
     return leafText(children[0]);
 }
@@ -247,7 +256,7 @@ std::optional<std::vector<std::string>> CimRequest::stringArrayParam(const std::
     std::vector<pugi::xml_node> children = elementChildren(node);
     if (children.empty()) return std::nullopt;
     if (children.size() != 1 || !isElement(children[0], "VALUE.ARRAY")) {
-        throw InvalidRequest("parameter " + name + " must hold one VALUE.ARRAY");
+        throw wrongType(name, "VALUE.ARRAY");
     }
     return readValueArray(children[0]).elements;
 }
@@ -256,7 +265,7 @@ std::optional<InstanceNameText> CimRequest::objectNameParam(const std::string& n
     pugi::xml_node node = findParam(name);
     if (!node) return std::nullopt;
     std::vector<pugi::xml_node> children = elementChildren(node);
-    if (children.size() != 1) throw InvalidRequest("parameter " + name + " must hold one object name");
+    if (children.size() != 1) throw wrongType(name, "INSTANCENAME> or <CLASSNAME");
     if (isElement(children[0], "CLASSNAME")) {
         InstanceNameText classPath;
         classPath.className = requiredAttribute(children[0], "NAME");
@@ -270,7 +279,7 @@ std::optional<InstanceText> CimRequest::instanceParam(const std::string& name) c
     pugi::xml_node node = findParam(name);
     if (!node) return std::nullopt;
     std::vector<pugi::xml_node> children = elementChildren(node);
-    if (children.size() != 1) throw InvalidRequest("parameter " + name + " must hold one INSTANCE");
+    if (children.size() != 1) throw wrongType(name, "INSTANCE");
     return readInstance(children[0]);
 }
 
@@ -280,7 +289,7 @@ std::optional<std::pair<InstanceNameText, InstanceText>> CimRequest::namedInstan
     if (!node) return std::nullopt;
     std::vector<pugi::xml_node> children = elementChildren(node);
     if (children.size() != 1 || !isElement(children[0], "VALUE.NAMEDINSTANCE")) {
-        throw InvalidRequest("parameter " + name + " must hold one VALUE.NAMEDINSTANCE");
+        throw wrongType(name, "VALUE.NAMEDINSTANCE");
     }
     std::vector<pugi::xml_node> parts = elementChildren(children[0]);
     if (parts.size() != 2) throw InvalidRequest("VALUE.NAMEDINSTANCE needs INSTANCENAME and INSTANCE");
@@ -292,10 +301,10 @@ std::optional<TextValue> CimRequest::valueParam(const std::string& name) const {
     if (!node) return std::nullopt;
     std::vector<pugi::xml_node> children = elementChildren(node);
     if (children.empty()) return TextValue::null();
-    if (children.size() != 1) throw InvalidRequest("parameter " + name + " must hold one value");
+    if (children.size() != 1) throw wrongType(name, "VALUE> or <VALUE.ARRAY");
     if (isElement(children[0], "VALUE")) return TextValue::scalar(leafText(children[0]));
     if (isElement(children[0], "VALUE.ARRAY")) return readValueArray(children[0]);
-    throw InvalidRequest("parameter " + name + " must hold VALUE or VALUE.ARRAY");
+    throw wrongType(name, "VALUE> or <VALUE.ARRAY");
 }
 
 CimRequest parseCimRequest(const std::string& body) {
@@ -308,7 +317,8 @@ CimRequest parseCimRequest(const std::string& body) {
                                std::to_string(parsed.offset));
     }
     for (pugi::xml_node node : document->children()) {
-        if (node.type() == pugi::node_doctype) throw InvalidRequest("DOCTYPE and entity declarations are refused");
+        // owcimomd's parser cannot read a DOCTYPE: request-not-well-formed.
+        if (node.type() == pugi::node_doctype) throw MalformedRequest("DOCTYPE and entity declarations are refused");
     }
     pugi::xml_node cim = document->document_element();
     if (!isElement(cim, "CIM")) throw InvalidRequest("the root element must be CIM");

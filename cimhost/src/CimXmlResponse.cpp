@@ -1,6 +1,7 @@
 #include "CimXmlResponse.hpp"
 
 #include <OW_CIMDataType.hpp>
+#include <OW_CIMException.hpp>
 #include <OW_CIMProperty.hpp>
 #include <OW_CIMQualifier.hpp>
 #include <OW_CIMQualifierType.hpp>
@@ -16,8 +17,8 @@ using OW::CIMValue;
 
 std::string keyValueType(CIMDataType::Type type) {
     if (type == CIMDataType::BOOLEAN) return "boolean";
-    if (CIMDataType::isNumericType(type)) return "numeric";
-    return "string";
+    if (type == CIMDataType::CHAR16 || type == CIMDataType::DATETIME || type == CIMDataType::STRING) return "string";
+    return "numeric";
 }
 
 void writeTextValue(XmlWriter& xml, const TextValue& value) {
@@ -32,8 +33,15 @@ void writeTextValue(XmlWriter& xml, const TextValue& value) {
 }
 
 
+// Flavors are written where they differ from the defaults, as OpenWBEM
+// writes them: OVERRIDABLE="false" for DisableOverride, TOSUBCLASS="false"
+// for Restricted, TRANSLATABLE="true".
 void writeDefinedQualifier(XmlWriter& xml, const Qualifier& q) {
-    xml.start("QUALIFIER", {{"NAME", q.name}, {"TYPE", q.type}});
+    XmlAttributeList attributes{{"NAME", q.name}, {"TYPE", q.type}};
+    if (!q.flavors.overridable) attributes.emplace_back("OVERRIDABLE", "false");
+    if (!q.flavors.toSubclass) attributes.emplace_back("TOSUBCLASS", "false");
+    if (q.flavors.translatable) attributes.emplace_back("TRANSLATABLE", "true");
+    xml.start("QUALIFIER", attributes);
     writeTextValue(xml, q.value);
     xml.end("QUALIFIER");
 }
@@ -98,14 +106,13 @@ void writeInstanceName(XmlWriter& xml, const OW::CIMObjectPath& path) {
     xml.start("INSTANCENAME", {{"CLASSNAME", path.getClassName().c_str()}});
     OW::CIMPropertyArray keys = path.getKeys();
     for (const OW::CIMProperty& key : keys) {
-        xml.start("KEYBINDING", {{"NAME", key.getName().c_str()}});
         CIMValue value = key.getValue();
-        if (value && value.getType() == CIMDataType::REFERENCE) {
+        if (!value) throw OW::CIMException(__FILE__, __LINE__, OW::CIMException::FAILED, "No key value");
+        xml.start("KEYBINDING", {{"NAME", key.getName().c_str()}});
+        if (value.getType() == CIMDataType::REFERENCE) {
             writeValue(xml, value);
         } else {
-            CIMDataType::Type type = value ? value.getType() : CIMDataType::STRING;
-            std::string text = value ? valueTexts(value).front() : std::string();
-            xml.leaf("KEYVALUE", text, {{"VALUETYPE", keyValueType(type)}, {"TYPE", cimTypeName(type)}});
+            xml.leaf("KEYVALUE", valueTexts(value).front(), {{"VALUETYPE", keyValueType(value.getType())}});
         }
         xml.end("KEYBINDING");
     }
@@ -130,12 +137,13 @@ void writeInstancePath(XmlWriter& xml, const OW::CIMObjectPath& path, const std:
     writeInstanceName(xml, path);
 }
 
-void writeInstance(XmlWriter& xml, const OW::CIMInstance& instance, const OutputFilter& filter) {
+void writeInstance(XmlWriter& xml, const OW::CIMInstance& instance) {
     xml.start("INSTANCE", {{"CLASSNAME", instance.getClassName().c_str()}});
+    OW::CIMQualifierArray instanceQualifiers = instance.getQualifiers();
+    for (const OW::CIMQualifier& q : instanceQualifiers) writeApiQualifier(xml, q);
     OW::CIMPropertyArray properties = instance.getProperties();
     for (const OW::CIMProperty& property : properties) {
         std::string name = property.getName().c_str();
-        if (!filter.shows(name)) continue;
         CIMValue value = property.getValue();
         CIMDataType dataType = property.getDataType();
         bool typed = static_cast<bool>(dataType);
@@ -144,21 +152,17 @@ void writeInstance(XmlWriter& xml, const OW::CIMInstance& instance, const Output
         const char* element = type == CIMDataType::REFERENCE ? "PROPERTY.REFERENCE"
                               : isArray                      ? "PROPERTY.ARRAY"
                                                              : "PROPERTY";
-        std::string origin = property.getOriginClass().c_str();
-        bool withOrigin = filter.includeClassOrigin && !origin.empty();
+        XmlAttributeList attributes{{"NAME", name}};
         if (type == CIMDataType::REFERENCE) {
-            std::string referenceClass = typed ? dataType.getRefClassName().c_str() : "";
-            if (withOrigin) xml.start(element, {{"NAME", name}, {"REFERENCECLASS", referenceClass}, {"CLASSORIGIN", origin}});
-            else xml.start(element, {{"NAME", name}, {"REFERENCECLASS", referenceClass}});
-        } else if (withOrigin) {
-            xml.start(element, {{"NAME", name}, {"TYPE", cimTypeName(type)}, {"CLASSORIGIN", origin}});
+            attributes.emplace_back("REFERENCECLASS", typed ? dataType.getRefClassName().c_str() : "");
         } else {
-            xml.start(element, {{"NAME", name}, {"TYPE", cimTypeName(type)}});
+            attributes.emplace_back("TYPE", cimTypeName(type));
         }
-        if (filter.includeQualifiers) {
-            OW::CIMQualifierArray qualifiers = property.getQualifiers();
-            for (const OW::CIMQualifier& q : qualifiers) writeApiQualifier(xml, q);
-        }
+        std::string origin = property.getOriginClass().c_str();
+        if (!origin.empty()) attributes.emplace_back("CLASSORIGIN", origin);
+        xml.start(element, attributes);
+        OW::CIMQualifierArray qualifiers = property.getQualifiers();
+        for (const OW::CIMQualifier& q : qualifiers) writeApiQualifier(xml, q);
         writeValue(xml, value);
         xml.end(element);
     }

@@ -34,10 +34,14 @@ void endResponse(XmlWriter& xml);
 void writeError(XmlWriter& xml, int code, const std::string& description);
 
 void writeValue(XmlWriter& xml, const OpenWBEM::CIMValue& value);
-void writeInstanceName(XmlWriter& xml, const OpenWBEM::CIMObjectPath& path);
 void writeInstancePath(XmlWriter& xml, const OpenWBEM::CIMObjectPath& path, const std::string& host,
                        const std::string& nameSpace);
-void writeInstance(XmlWriter& xml, const OpenWBEM::CIMInstance& instance, const OutputFilter& filter);
+// Key values carry VALUETYPE only; a key without a value is CIM_ERR_FAILED.
+void writeInstanceName(XmlWriter& xml, const OpenWBEM::CIMObjectPath& path);
+// An instance as the provider returned it: every property, with its
+// qualifiers and class origin where it has them (the object manager leaves
+// IncludeQualifiers, IncludeClassOrigin and PropertyList to the provider).
+void writeInstance(XmlWriter& xml, const OpenWBEM::CIMInstance& instance);
 void writeClass(XmlWriter& xml, const ClassDefinition& cls, const OutputFilter& filter);
 
 }  // namespace cimhost

@@ -5,7 +5,9 @@
 #include <OW_CIMException.hpp>
 #include <OW_CIMInstance.hpp>
 #include <OW_CIMObjectPath.hpp>
+#include <OW_CIMMethod.hpp>
 #include <OW_CIMParamValue.hpp>
+#include <OW_CIMParameter.hpp>
 #include <OW_CIMProperty.hpp>
 #include <OW_CIMValue.hpp>
 #include <OW_CIMValueCast.hpp>
@@ -13,6 +15,7 @@
 #include <OW_String.hpp>
 #include <OW_WBEMFlags.hpp>
 
+#include "ClassSync.hpp"
 #include "CimValues.hpp"
 #include "CimXmlResponse.hpp"
 
@@ -50,11 +53,35 @@ OW::StringArray toStringArray(const std::vector<std::string>& items) {
 
 std::string text(const String& s) { return s.c_str(); }
 
+[[noreturn]] void missingParameter(const std::string& name) {
+    throwCim(CIMException::INVALID_PARAMETER, "Non-optional parameter " + name + " was not given");
+}
+
+// "/root/cimv2:QTX_X", as the object manager names a class in its errors.
+std::string classPathText(const std::string& nameSpace, const std::string& className) {
+    return text(OW::CIMObjectPath(OW::CIMName(String(className.c_str())), String(nameSpace.c_str())).toString());
+}
+
+bool hasTrueQualifier(const ClassDefinition& cls, const char* name) {
+    const Qualifier* q = findQualifier(cls.qualifiers, name);
+    return q && !q->value.isNull && !q->value.isArray && !q->value.elements.empty() &&
+           namesEqual(q->value.elements.front(), "true");
+}
+
+Flags::ELocalOnlyFlag localOnlyFlag(bool on) { return on ? Flags::E_LOCAL_ONLY : Flags::E_NOT_LOCAL_ONLY; }
+Flags::EIncludeQualifiersFlag qualifiersFlag(bool on) {
+    return on ? Flags::E_INCLUDE_QUALIFIERS : Flags::E_EXCLUDE_QUALIFIERS;
+}
+Flags::EIncludeClassOriginFlag classOriginFlag(bool on) {
+    return on ? Flags::E_INCLUDE_CLASS_ORIGIN : Flags::E_EXCLUDE_CLASS_ORIGIN;
+}
+
 }  // namespace
 
 struct OperationDispatcher::Context {
     OW::ProviderEnvironmentIFCRef env;
     std::string nameSpace;
+    String ns() const { return String(nameSpace.c_str()); }
 };
 
 OperationDispatcher::OperationDispatcher(const ClassRepository& classes, ProviderModule* module, HostLog& log,
@@ -76,16 +103,26 @@ bool OperationDispatcher::isBound(const std::vector<Qualifier>& qualifiers) cons
     return binding && namesEqual(binding->interfaceName, "c++") && binding->providerId == module_->id();
 }
 
-const ClassDefinition& OperationDispatcher::requireClass(const std::string& className) const {
+const ClassDefinition& OperationDispatcher::requireClass(const std::string& className, CIMException::ErrNoType code,
+                                                         const std::string& message) const {
     const ClassDefinition* cls = classes_.findClass(className);
-    if (!cls) throwCim(CIMException::INVALID_CLASS, className);
+    if (!cls) throwCim(code, message);
     return *cls;
+}
+
+const ClassDefinition& OperationDispatcher::requireInstanceClass(const std::string& className,
+                                                                 const Context& context) const {
+    return requireClass(className, CIMException::INVALID_CLASS, classPathText(context.nameSpace, className));
 }
 
 OW::CppInstanceProviderIFC& OperationDispatcher::instanceProviderFor(const ClassDefinition& cls) const {
     OW::CppInstanceProviderIFC* provider = isBound(cls.qualifiers) ? module_->instanceProvider() : nullptr;
-    if (!provider) throwCim(CIMException::FAILED, "no instance provider serves class " + cls.name);
-    return *provider;
+    if (provider) return *provider;
+    // As the object manager answers when its provider manager has no such
+    // instance provider.
+    std::optional<ProviderBinding> binding = parseProviderQualifier(cls.qualifiers);
+    if (binding) throwCim(CIMException::FAILED, "Invalid provider: " + binding->providerId);
+    throwCim(CIMException::FAILED, "no instance provider serves class " + cls.name);
 }
 
 const OW::CIMClass& OperationDispatcher::apiClass(const ClassDefinition& cls) {
@@ -99,35 +136,41 @@ const OW::CIMClass& OperationDispatcher::apiClass(const ClassDefinition& cls) {
 std::string OperationDispatcher::handle(const CimRequest& request, const std::string& userName) {
     const char* element = request.intrinsic ? "IMETHODRESPONSE" : "METHODRESPONSE";
     XmlWriter content;
+    // A CIM error's description is its long message: the code's text, then
+    // the message in parentheses. Other exceptions give CIM_ERR_FAILED with
+    // their own text.
+    auto fail = [&](int code, const std::string& description, const std::string& logLine) {
+        log_.error(logLine);
+        content = XmlWriter();
+        writeError(content, code, description);
+    };
     try {
-        if (!namesEqual(trimSlashes(request.nameSpace), nameSpace_)) {
-            throwCim(CIMException::INVALID_NAMESPACE, request.nameSpace);
+        try {
+            Context context{OW::ProviderEnvironmentIFCRef(new HostProviderEnvironment(log_, userName)),
+                            request.nameSpace};
+            if (request.intrinsic) {
+                runIntrinsic(request, context, content);
+            } else {
+                checkNameSpace(request.nameSpace);
+                runExtrinsic(request, context, content);
+            }
+        } catch (const InvalidRequest& e) {
+            // A parameter of the wrong form is a CIM error, as the object
+            // manager reports it, not an HTTP one.
+            throwCim(CIMException::INVALID_PARAMETER, e.what());
         }
-        Context context{OW::ProviderEnvironmentIFCRef(new HostProviderEnvironment(log_, userName)),
-                        request.nameSpace};
-        if (request.intrinsic) runIntrinsic(request, context, content);
-        else runExtrinsic(request, context, content);
-    } catch (const InvalidRequest&) {
-        throw;  // a parameter of the wrong form: HTTP 400, not a CIM error
     } catch (const CIMException& e) {
-        const char* description = e.getDescription();
-        log_.error("CIM error " + std::to_string(e.getErrNo()) + " for " + request.methodName + " from " +
-                   e.getFile() + ":" + std::to_string(e.getLine()) + ": " + (description ? description : ""));
-        content = XmlWriter();
-        writeError(content, e.getErrNo(), description ? description : "");
+        fail(e.getErrNo(), e.getMessage(),
+             "CIM error " + std::to_string(e.getErrNo()) + " for " + request.methodName + " from " + e.getFile() +
+                 ":" + std::to_string(e.getLine()) + ": " + e.getMessage());
     } catch (const OW::Exception& e) {
-        log_.error(std::string(e.type()) + " during " + request.methodName + " from " + e.getFile() + ":" +
-                   std::to_string(e.getLine()) + ": " + e.getMessage());
-        content = XmlWriter();
-        writeError(content, CIMException::FAILED, e.getMessage());
+        fail(CIMException::FAILED, e.getMessage(),
+             std::string(e.type()) + " during " + request.methodName + " from " + e.getFile() + ":" +
+                 std::to_string(e.getLine()) + ": " + e.getMessage());
     } catch (const std::exception& e) {
-        log_.error(std::string("exception during ") + request.methodName + ": " + e.what());
-        content = XmlWriter();
-        writeError(content, CIMException::FAILED, e.what());
+        fail(CIMException::FAILED, e.what(), std::string("exception during ") + request.methodName + ": " + e.what());
     } catch (...) {
-        log_.error("unknown exception during " + request.methodName);
-        content = XmlWriter();
-        writeError(content, CIMException::FAILED, "unknown exception");
+        fail(CIMException::FAILED, "Unknown Exception", "unknown exception during " + request.methodName);
     }
     XmlWriter xml;
     startResponse(xml, request.messageId);
@@ -136,11 +179,111 @@ std::string OperationDispatcher::handle(const CimRequest& request, const std::st
     return xml.str();
 }
 
+namespace {
+
+enum class ParamKind { ClassName, Boolean, String, StringArray, ObjectName, InstanceName, Instance, NamedInstance, Value };
+
+struct ParamSpec {
+    const char* name;
+    ParamKind kind;
+    bool required;
+};
+
+struct OperationSpec {
+    const char* name;
+    std::vector<ParamSpec> params;
+};
+
+// The intrinsic operations the host runs and the parameters each takes, as
+// owcimomd's XMLExecute declares them.
+const std::vector<OperationSpec>& operationSpecs() {
+    using K = ParamKind;
+    const ParamSpec localOnly{"LocalOnly", K::Boolean, false};
+    const ParamSpec deep{"DeepInheritance", K::Boolean, false};
+    const ParamSpec qualifiers{"IncludeQualifiers", K::Boolean, false};
+    const ParamSpec origin{"IncludeClassOrigin", K::Boolean, false};
+    const ParamSpec list{"PropertyList", K::StringArray, false};
+    const ParamSpec objectName{"ObjectName", K::ObjectName, true};
+    const ParamSpec resultClass{"ResultClass", K::ClassName, false};
+    const ParamSpec role{"Role", K::String, false};
+    static const std::vector<OperationSpec> specs{
+        {"EnumerateClassNames", {{"ClassName", K::ClassName, false}, deep}},
+        {"EnumerateClasses", {{"ClassName", K::ClassName, false}, deep, localOnly, qualifiers, origin}},
+        {"GetClass", {{"ClassName", K::ClassName, true}, localOnly, qualifiers, origin, list}},
+        {"DeleteClass", {{"ClassName", K::ClassName, true}}},
+        {"EnumerateInstanceNames", {{"ClassName", K::ClassName, true}}},
+        {"EnumerateInstances", {{"ClassName", K::ClassName, true}, localOnly, deep, qualifiers, origin, list}},
+        {"GetInstance", {{"InstanceName", K::InstanceName, true}, localOnly, qualifiers, origin, list}},
+        {"ModifyInstance", {{"ModifiedInstance", K::NamedInstance, true}, qualifiers, list}},
+        {"CreateInstance", {{"NewInstance", K::Instance, true}}},
+        {"DeleteInstance", {{"InstanceName", K::InstanceName, true}}},
+        {"GetProperty", {{"InstanceName", K::InstanceName, true}, {"PropertyName", K::String, true}}},
+        {"SetProperty",
+         {{"InstanceName", K::InstanceName, true}, {"PropertyName", K::String, true}, {"NewValue", K::Value, false}}},
+        {"ExecQuery", {{"QueryLanguage", K::String, true}, {"Query", K::String, true}}},
+        {"Associators",
+         {objectName, {"AssocClass", K::ClassName, false}, resultClass, role, {"ResultRole", K::String, false},
+          qualifiers, origin, list}},
+        {"AssociatorNames",
+         {objectName, {"AssocClass", K::ClassName, false}, resultClass, role, {"ResultRole", K::String, false}}},
+        {"References", {objectName, resultClass, role, qualifiers, origin, list}},
+        {"ReferenceNames", {objectName, resultClass, role}},
+    };
+    return specs;
+}
+
+// Reads every parameter in request order, as the object manager does before
+// it runs the operation: an unknown one, one of the wrong form and a missing
+// required one are CIM_ERR_INVALID_PARAMETER.
+void checkParameters(const CimRequest& request, const OperationSpec& spec) {
+    for (const auto& [name, node] : request.intrinsicParams) {
+        const ParamSpec* param = nullptr;
+        for (const ParamSpec& candidate : spec.params) {
+            if (namesEqual(candidate.name, name)) param = &candidate;
+        }
+        if (!param) throwCim(CIMException::INVALID_PARAMETER, "Parameter " + name + " is not a valid parameter");
+        switch (param->kind) {
+            case ParamKind::ClassName: request.classNameParam(name); break;
+            case ParamKind::Boolean: request.booleanParam(name); break;
+            case ParamKind::String: request.stringParam(name); break;
+            case ParamKind::StringArray: request.stringArrayParam(name); break;
+            case ParamKind::ObjectName: request.objectNameParam(name); break;
+            case ParamKind::InstanceName:
+                if (std::optional<InstanceNameText> path = request.objectNameParam(name); path && path->isClassPath) {
+                    throw InvalidRequest("Parameter " + name + " is the wrong type.  Expected <INSTANCENAME> tag.");
+                }
+                break;
+            case ParamKind::Instance: request.instanceParam(name); break;
+            case ParamKind::NamedInstance: request.namedInstanceParam(name); break;
+            case ParamKind::Value: request.valueParam(name); break;
+        }
+    }
+    for (const ParamSpec& param : spec.params) {
+        if (param.required && !request.hasParam(param.name)) missingParameter(param.name);
+    }
+}
+
+}  // namespace
+
+void OperationDispatcher::checkNameSpace(const std::string& nameSpace) const {
+    if (!namesEqual(trimSlashes(nameSpace), nameSpace_)) throwCim(CIMException::INVALID_NAMESPACE, nameSpace);
+}
+
 void OperationDispatcher::runIntrinsic(const CimRequest& request, Context& context, XmlWriter& xml) {
-    const std::string& op = request.methodName;
+    // Operation names are matched ignoring case; the parameters are read
+    // before the namespace is looked at.
+    const OperationSpec* spec = nullptr;
+    for (const OperationSpec& candidate : operationSpecs()) {
+        if (namesEqual(candidate.name, request.methodName)) spec = &candidate;
+    }
+    if (!spec) throwCim(CIMException::NOT_SUPPORTED, "");
+    checkParameters(request, *spec);
+    checkNameSpace(request.nameSpace);
+    const std::string op = spec->name;
     if (op == "EnumerateClassNames") enumerateClassNames(request, xml);
     else if (op == "EnumerateClasses") enumerateClasses(request, xml);
-    else if (op == "GetClass") getClass(request, xml);
+    else if (op == "GetClass") getClass(request, context, xml);
+    else if (op == "DeleteClass") deleteClass(request, context);
     else if (op == "EnumerateInstanceNames") enumerateInstanceNames(request, context, xml);
     else if (op == "EnumerateInstances") enumerateInstances(request, context, xml);
     else if (op == "GetInstance") getInstance(request, context, xml);
@@ -148,11 +291,9 @@ void OperationDispatcher::runIntrinsic(const CimRequest& request, Context& conte
     else if (op == "CreateInstance") createInstance(request, context, xml);
     else if (op == "DeleteInstance") deleteInstance(request, context);
     else if (op == "GetProperty") getProperty(request, context, xml);
-    else if (op == "Associators" || op == "AssociatorNames" || op == "References" || op == "ReferenceNames") {
-        associations(request, context, xml);
-    } else {
-        throwCim(CIMException::NOT_SUPPORTED, op + " is not supported by this host");
-    }
+    else if (op == "SetProperty") setProperty(request, context);
+    else if (op == "ExecQuery") execQuery(request);
+    else associations(request, context, xml);
 }
 
 namespace {
@@ -185,7 +326,7 @@ std::vector<const ClassDefinition*> selectClasses(const ClassRepository& classes
 
 void OperationDispatcher::enumerateClassNames(const CimRequest& request, XmlWriter& xml) {
     std::optional<std::string> root = request.classNameParam("ClassName");
-    if (root) requireClass(*root);
+    if (root) requireClass(*root, CIMException::INVALID_CLASS, *root);
     bool deep = request.booleanParam("DeepInheritance").value_or(false);
     xml.start("IRETURNVALUE");
     for (const ClassDefinition* cls : selectClasses(classes_, root, deep)) {
@@ -196,7 +337,7 @@ void OperationDispatcher::enumerateClassNames(const CimRequest& request, XmlWrit
 
 void OperationDispatcher::enumerateClasses(const CimRequest& request, XmlWriter& xml) {
     std::optional<std::string> root = request.classNameParam("ClassName");
-    if (root) requireClass(*root);
+    if (root) requireClass(*root, CIMException::INVALID_CLASS, *root);
     bool deep = request.booleanParam("DeepInheritance").value_or(false);
     OutputFilter filter;
     filter.localOnly = request.booleanParam("LocalOnly").value_or(true);
@@ -207,10 +348,11 @@ void OperationDispatcher::enumerateClasses(const CimRequest& request, XmlWriter&
     xml.end("IRETURNVALUE");
 }
 
-void OperationDispatcher::getClass(const CimRequest& request, XmlWriter& xml) {
+void OperationDispatcher::getClass(const CimRequest& request, Context& context, XmlWriter& xml) {
     std::optional<std::string> name = request.classNameParam("ClassName");
-    if (!name) throwCim(CIMException::INVALID_PARAMETER, "GetClass needs ClassName");
-    const ClassDefinition& cls = requireClass(*name);
+    if (!name) missingParameter("ClassName");
+    const ClassDefinition& cls =
+        requireClass(*name, CIMException::NOT_FOUND, classPathText(context.nameSpace, *name));
     OutputFilter filter;
     filter.localOnly = request.booleanParam("LocalOnly").value_or(true);
     filter.includeQualifiers = request.booleanParam("IncludeQualifiers").value_or(true);
@@ -221,13 +363,30 @@ void OperationDispatcher::getClass(const CimRequest& request, XmlWriter& xml) {
     xml.end("IRETURNVALUE");
 }
 
+// The object manager deletes classes from its repository; this host's classes
+// are fixed, so only the answer for an unknown class matches.
+void OperationDispatcher::deleteClass(const CimRequest& request, Context& context) {
+    std::optional<std::string> name = request.classNameParam("ClassName");
+    if (!name) missingParameter("ClassName");
+    const ClassDefinition& cls =
+        requireClass(*name, CIMException::NOT_FOUND, classPathText(context.nameSpace, *name));
+    throwCim(CIMException::NOT_SUPPORTED, "the classes of this host cannot be deleted: " + cls.name);
+}
+
+// Enumerations cover the class and its subclasses, each under its own name
+// as the repository spells it; a subclass no provider serves has no instances.
 void OperationDispatcher::enumerateInstanceNames(const CimRequest& request, Context& context, XmlWriter& xml) {
     std::optional<std::string> className = request.classNameParam("ClassName");
-    if (!className) throwCim(CIMException::INVALID_PARAMETER, "EnumerateInstanceNames needs ClassName");
-    const ClassDefinition& cls = requireClass(*className);
+    if (!className) missingParameter("ClassName");
+    const ClassDefinition& top = requireInstanceClass(*className, context);
     CollectingHandler<OW::CIMObjectPath> handler;
-    instanceProviderFor(cls).enumInstanceNames(context.env, String(context.nameSpace.c_str()),
-                                                String(className->c_str()), handler, apiClass(cls));
+    std::vector<const ClassDefinition*> covered{&top};
+    for (const ClassDefinition* sub : selectClasses(classes_, top.name, true)) covered.push_back(sub);
+    for (const ClassDefinition* cls : covered) {
+        if (cls != &top && !isBound(cls->qualifiers)) continue;
+        instanceProviderFor(*cls).enumInstanceNames(context.env, context.ns(), String(cls->name.c_str()), handler,
+                                                    apiClass(*cls));
+    }
     xml.start("IRETURNVALUE");
     for (const OW::CIMObjectPath& path : handler.items) writeInstanceName(xml, path);
     xml.end("IRETURNVALUE");
@@ -235,97 +394,100 @@ void OperationDispatcher::enumerateInstanceNames(const CimRequest& request, Cont
 
 void OperationDispatcher::enumerateInstances(const CimRequest& request, Context& context, XmlWriter& xml) {
     std::optional<std::string> className = request.classNameParam("ClassName");
-    if (!className) throwCim(CIMException::INVALID_PARAMETER, "EnumerateInstances needs ClassName");
-    const ClassDefinition& cls = requireClass(*className);
-    OutputFilter filter;
-    filter.localOnly = request.booleanParam("LocalOnly").value_or(true);
+    if (!className) missingParameter("ClassName");
+    const ClassDefinition& top = requireInstanceClass(*className, context);
+    bool localOnly = request.booleanParam("LocalOnly").value_or(true);
     bool deep = request.booleanParam("DeepInheritance").value_or(true);
-    filter.includeQualifiers = request.booleanParam("IncludeQualifiers").value_or(false);
-    filter.includeClassOrigin = request.booleanParam("IncludeClassOrigin").value_or(false);
-    filter.propertyList = request.stringArrayParam("PropertyList");
-    OW::StringArray propertyList = filter.propertyList ? toStringArray(*filter.propertyList) : OW::StringArray();
+    bool includeQualifiers = request.booleanParam("IncludeQualifiers").value_or(false);
+    bool includeClassOrigin = request.booleanParam("IncludeClassOrigin").value_or(false);
+    std::optional<std::vector<std::string>> list = request.stringArrayParam("PropertyList");
+    OW::StringArray propertyList = list ? toStringArray(*list) : OW::StringArray();
     CollectingHandler<OW::CIMInstance> handler;
-    const OW::CIMClass& apiCls = apiClass(cls);
-    instanceProviderFor(cls).enumInstances(
-        context.env, String(context.nameSpace.c_str()), String(className->c_str()), handler,
-        filter.localOnly ? Flags::E_LOCAL_ONLY : Flags::E_NOT_LOCAL_ONLY, deep ? Flags::E_DEEP : Flags::E_SHALLOW,
-        filter.includeQualifiers ? Flags::E_INCLUDE_QUALIFIERS : Flags::E_EXCLUDE_QUALIFIERS,
-        filter.includeClassOrigin ? Flags::E_INCLUDE_CLASS_ORIGIN : Flags::E_EXCLUDE_CLASS_ORIGIN,
-        filter.propertyList ? &propertyList : nullptr, apiCls, apiCls);
+    std::vector<const ClassDefinition*> covered{&top};
+    for (const ClassDefinition* sub : selectClasses(classes_, top.name, true)) covered.push_back(sub);
+    for (const ClassDefinition* cls : covered) {
+        if (cls != &top && !isBound(cls->qualifiers)) continue;
+        instanceProviderFor(*cls).enumInstances(
+            context.env, context.ns(), String(cls->name.c_str()), handler, localOnlyFlag(localOnly),
+            deep ? Flags::E_DEEP : Flags::E_SHALLOW, qualifiersFlag(includeQualifiers),
+            classOriginFlag(includeClassOrigin), list ? &propertyList : nullptr, apiClass(top), apiClass(*cls));
+    }
+    // Each instance is named by its own key properties: those carrying a Key
+    // qualifier.
     xml.start("IRETURNVALUE");
     for (const OW::CIMInstance& instance : handler.items) {
         xml.start("VALUE.NAMEDINSTANCE");
-        writeInstanceName(xml, pathOfInstance(instance, context.nameSpace, &cls));
-        writeInstance(xml, instance, filter);
+        writeInstanceName(xml, OW::CIMObjectPath(context.ns(), instance));
+        writeInstance(xml, instance);
         xml.end("VALUE.NAMEDINSTANCE");
     }
     xml.end("IRETURNVALUE");
 }
 
+OW::CIMInstance OperationDispatcher::providerGetInstance(Context& context, const ClassDefinition& cls,
+                                                         OW::CIMObjectPath path, bool localOnly,
+                                                         bool includeQualifiers, bool includeClassOrigin,
+                                                         const OW::StringArray* propertyList) {
+    const OW::CIMClass& apiCls = apiClass(cls);
+    syncPathWithClass(path, apiCls);
+    OW::CIMInstance instance = instanceProviderFor(cls).getInstance(
+        context.env, context.ns(), path, localOnlyFlag(localOnly), qualifiersFlag(includeQualifiers),
+        classOriginFlag(includeClassOrigin), propertyList, apiCls);
+    if (!instance) throwCim(CIMException::FAILED, "Provider erroneously returned a NULL CIMInstance");
+    return instance;
+}
+
 void OperationDispatcher::getInstance(const CimRequest& request, Context& context, XmlWriter& xml) {
     std::optional<InstanceNameText> name = request.objectNameParam("InstanceName");
-    if (!name || name->isClassPath) throwCim(CIMException::INVALID_PARAMETER, "GetInstance needs InstanceName");
-    const ClassDefinition& cls = requireClass(name->className);
-    OutputFilter filter;
-    filter.localOnly = request.booleanParam("LocalOnly").value_or(true);
-    filter.includeQualifiers = request.booleanParam("IncludeQualifiers").value_or(false);
-    filter.includeClassOrigin = request.booleanParam("IncludeClassOrigin").value_or(false);
-    filter.propertyList = request.stringArrayParam("PropertyList");
-    OW::StringArray propertyList = filter.propertyList ? toStringArray(*filter.propertyList) : OW::StringArray();
-    OW::CIMInstance instance = instanceProviderFor(cls).getInstance(
-        context.env, String(context.nameSpace.c_str()), objectPathFromText(*name, context.nameSpace, &cls),
-        filter.localOnly ? Flags::E_LOCAL_ONLY : Flags::E_NOT_LOCAL_ONLY,
-        filter.includeQualifiers ? Flags::E_INCLUDE_QUALIFIERS : Flags::E_EXCLUDE_QUALIFIERS,
-        filter.includeClassOrigin ? Flags::E_INCLUDE_CLASS_ORIGIN : Flags::E_EXCLUDE_CLASS_ORIGIN,
-        filter.propertyList ? &propertyList : nullptr, apiClass(cls));
-    if (!instance) throwCim(CIMException::FAILED, "Provider erroneously returned a NULL CIMInstance");
+    if (!name) missingParameter("InstanceName");
+    const ClassDefinition& cls = requireInstanceClass(name->className, context);
+    std::optional<std::vector<std::string>> list = request.stringArrayParam("PropertyList");
+    OW::StringArray propertyList = list ? toStringArray(*list) : OW::StringArray();
+    OW::CIMInstance instance = providerGetInstance(
+        context, cls, objectPathFromText(*name, context.nameSpace, &cls),
+        request.booleanParam("LocalOnly").value_or(true), request.booleanParam("IncludeQualifiers").value_or(false),
+        request.booleanParam("IncludeClassOrigin").value_or(false), list ? &propertyList : nullptr);
     xml.start("IRETURNVALUE");
-    writeInstance(xml, instance, filter);
+    writeInstance(xml, instance);
     xml.end("IRETURNVALUE");
 }
 
+void OperationDispatcher::applyModification(Context& context, const ClassDefinition& cls, OW::CIMInstance modified,
+                                            bool includeQualifiers, const OW::StringArray* propertyList) {
+    const OW::CIMClass& apiCls = apiClass(cls);
+    OW::CppInstanceProviderIFC& provider = instanceProviderFor(cls);
+    syncInstanceWithClass(modified, apiCls);
+    OW::CIMInstance previous = providerGetInstance(context, cls, OW::CIMObjectPath(context.ns(), modified), false,
+                                                   true, true, nullptr);
+    provider.modifyInstance(context.env, context.ns(), modified, previous, qualifiersFlag(includeQualifiers),
+                            propertyList, apiCls);
+}
+
+// The instance reaches the provider fitted to the class (ClassSync), with
+// the PropertyList as given: the 3.0 object manager narrows nothing itself.
 void OperationDispatcher::modifyInstance(const CimRequest& request, Context& context) {
     auto named = request.namedInstanceParam("ModifiedInstance");
-    if (!named) throwCim(CIMException::INVALID_PARAMETER, "ModifyInstance needs ModifiedInstance");
-    // The instance's own class and properties decide; the name beside it is
-    // only the client's copy of the keys.
-    const ClassDefinition& cls = requireClass(named->second.className);
+    if (!named) missingParameter("ModifiedInstance");
     bool includeQualifiers = request.booleanParam("IncludeQualifiers").value_or(true);
     std::optional<std::vector<std::string>> list = request.stringArrayParam("PropertyList");
-    OW::CIMInstance modified = instanceFromText(named->second, context.nameSpace, &cls);
-    OW::CIMObjectPath path(String(context.nameSpace.c_str()), modified);
-    OW::StringArray propertyList;
-    if (list) {
-        // Only the listed properties reach the provider; the key list stays.
-        OW::CIMPropertyArray keys = modified.getKeyValuePairs();
-        OW::CIMPropertyArray listed;
-        for (const std::string& name : *list) {
-            OW::CIMProperty property = modified.getProperty(OW::CIMName(String(name.c_str())));
-            if (!property) throwCim(CIMException::NO_SUCH_PROPERTY, name);
-            listed.push_back(property);
-        }
-        modified.setProperties(listed);
-        modified.setKeys(keys);
-        propertyList = toStringArray(*list);
-    }
-    OW::CppInstanceProviderIFC& provider = instanceProviderFor(cls);
-    const OW::CIMClass& apiCls = apiClass(cls);
-    OW::CIMInstance previous =
-        provider.getInstance(context.env, String(context.nameSpace.c_str()), path, Flags::E_NOT_LOCAL_ONLY,
-                             Flags::E_INCLUDE_QUALIFIERS, Flags::E_INCLUDE_CLASS_ORIGIN, nullptr, apiCls);
-    provider.modifyInstance(context.env, String(context.nameSpace.c_str()), modified, previous,
-                            includeQualifiers ? Flags::E_INCLUDE_QUALIFIERS : Flags::E_EXCLUDE_QUALIFIERS,
-                            list ? &propertyList : nullptr, apiCls);
+    OW::StringArray propertyList = list ? toStringArray(*list) : OW::StringArray();
+    const ClassDefinition& cls = requireInstanceClass(named->second.className, context);
+    applyModification(context, cls, instanceFromText(named->second, context.nameSpace), includeQualifiers,
+                      list ? &propertyList : nullptr);
 }
 
 void OperationDispatcher::createInstance(const CimRequest& request, Context& context, XmlWriter& xml) {
     std::optional<InstanceText> text = request.instanceParam("NewInstance");
-    if (!text) throwCim(CIMException::INVALID_PARAMETER, "CreateInstance needs NewInstance");
-    const ClassDefinition& cls = requireClass(text->className);
-    OW::CIMInstance instance = instanceFromText(*text, context.nameSpace, &cls);
-    OW::CIMObjectPath created =
-        instanceProviderFor(cls).createInstance(context.env, String(context.nameSpace.c_str()), instance);
-    if (!created) created = OW::CIMObjectPath(String(context.nameSpace.c_str()), instance);
+    if (!text) missingParameter("NewInstance");
+    const ClassDefinition& cls = requireInstanceClass(text->className, context);
+    if (hasTrueQualifier(cls, "Abstract")) {
+        throwCim(CIMException::INVALID_PARAMETER,
+                 "Unable to create instance because class (" + cls.name + ") is abstract");
+    }
+    OW::CIMInstance instance = instanceFromText(*text, context.nameSpace);
+    syncInstanceWithClass(instance, apiClass(cls));
+    OW::CIMObjectPath created = instanceProviderFor(cls).createInstance(context.env, context.ns(), instance);
+    if (!created) created = OW::CIMObjectPath(context.ns(), instance);
     xml.start("IRETURNVALUE");
     writeInstanceName(xml, created);
     xml.end("IRETURNVALUE");
@@ -333,158 +495,200 @@ void OperationDispatcher::createInstance(const CimRequest& request, Context& con
 
 void OperationDispatcher::deleteInstance(const CimRequest& request, Context& context) {
     std::optional<InstanceNameText> name = request.objectNameParam("InstanceName");
-    if (!name || name->isClassPath) throwCim(CIMException::INVALID_PARAMETER, "DeleteInstance needs InstanceName");
-    const ClassDefinition& cls = requireClass(name->className);
+    if (!name) missingParameter("InstanceName");
+    const ClassDefinition& cls = requireInstanceClass(name->className, context);
     OW::CIMObjectPath path = objectPathFromText(*name, context.nameSpace, &cls);
-    OW::CppInstanceProviderIFC& provider = instanceProviderFor(cls);
     // The object must exist before it can go.
-    provider.getInstance(context.env, String(context.nameSpace.c_str()), path, Flags::E_NOT_LOCAL_ONLY,
-                         Flags::E_INCLUDE_QUALIFIERS, Flags::E_INCLUDE_CLASS_ORIGIN, nullptr, apiClass(cls));
-    provider.deleteInstance(context.env, String(context.nameSpace.c_str()), path);
+    providerGetInstance(context, cls, path, false, true, true, nullptr);
+    syncPathWithClass(path, apiClass(cls));
+    instanceProviderFor(cls).deleteInstance(context.env, context.ns(), path);
 }
 
 void OperationDispatcher::getProperty(const CimRequest& request, Context& context, XmlWriter& xml) {
     std::optional<InstanceNameText> name = request.objectNameParam("InstanceName");
+    if (!name) missingParameter("InstanceName");
     std::optional<std::string> propertyName = request.stringParam("PropertyName");
-    if (!name || name->isClassPath || !propertyName) {
-        throwCim(CIMException::INVALID_PARAMETER, "GetProperty needs InstanceName and PropertyName");
-    }
-    const ClassDefinition& cls = requireClass(name->className);
-    if (!cls.findProperty(*propertyName)) throwCim(CIMException::NO_SUCH_PROPERTY, *propertyName);
-    OW::CIMInstance instance = instanceProviderFor(cls).getInstance(
-        context.env, String(context.nameSpace.c_str()), objectPathFromText(*name, context.nameSpace, &cls),
-        Flags::E_NOT_LOCAL_ONLY, Flags::E_INCLUDE_QUALIFIERS, Flags::E_INCLUDE_CLASS_ORIGIN, nullptr, apiClass(cls));
-    OW::CIMProperty property =
-        instance ? instance.getProperty(OW::CIMName(String(propertyName->c_str()))) : OW::CIMProperty(OW::CIMNULL);
-    if (!property) throwCim(CIMException::NO_SUCH_PROPERTY, *propertyName);
+    if (!propertyName) missingParameter("PropertyName");
+    const ClassDefinition& cls = requireInstanceClass(name->className, context);
+    OW::CIMName property(String(propertyName->c_str()));
+    if (!apiClass(cls).getProperty(property)) throwCim(CIMException::NO_SUCH_PROPERTY, *propertyName);
+    OW::CIMInstance instance =
+        providerGetInstance(context, cls, objectPathFromText(*name, context.nameSpace, &cls), false, true, true, nullptr);
+    OW::CIMProperty found = instance.getProperty(property);
+    if (!found) throwCim(CIMException::NO_SUCH_PROPERTY, *propertyName);
     xml.start("IRETURNVALUE");
-    writeValue(xml, property.getValue());
+    writeValue(xml, found.getValue());
     xml.end("IRETURNVALUE");
 }
 
-void OperationDispatcher::associations(const CimRequest& request, Context& context, XmlWriter& xml) {
-    const std::string& op = request.methodName;
-    std::optional<InstanceNameText> objectName = request.objectNameParam("ObjectName");
-    if (!objectName) throwCim(CIMException::INVALID_PARAMETER, op + " needs ObjectName");
-    const ClassDefinition& cls = requireClass(objectName->className);
-    OW::CIMObjectPath path = objectName->isClassPath
-                                 ? OW::CIMObjectPath(OW::CIMName(String(objectName->className.c_str())),
-                                                     String(context.nameSpace.c_str()))
-                                 : objectPathFromText(*objectName, context.nameSpace, &cls);
-    String assocClass(request.classNameParam("AssocClass").value_or("").c_str());
-    String resultClass(request.classNameParam("ResultClass").value_or("").c_str());
-    String role(request.stringParam("Role").value_or("").c_str());
-    String resultRole(request.stringParam("ResultRole").value_or("").c_str());
-    OutputFilter filter;
-    filter.includeQualifiers = request.booleanParam("IncludeQualifiers").value_or(false);
-    filter.includeClassOrigin = request.booleanParam("IncludeClassOrigin").value_or(false);
-    filter.propertyList = request.stringArrayParam("PropertyList");
-    OW::StringArray propertyList = filter.propertyList ? toStringArray(*filter.propertyList) : OW::StringArray();
-    const OW::StringArray* list = filter.propertyList ? &propertyList : nullptr;
-    auto qualifiers = filter.includeQualifiers ? Flags::E_INCLUDE_QUALIFIERS : Flags::E_EXCLUDE_QUALIFIERS;
-    auto origin = filter.includeClassOrigin ? Flags::E_INCLUDE_CLASS_ORIGIN : Flags::E_EXCLUDE_CLASS_ORIGIN;
-    String ns(context.nameSpace.c_str());
-
-    // A class that no associator provider serves takes part in no
-    // association: the answer is empty.
-    OW::CppAssociatorProviderIFC* provider = isBound(cls.qualifiers) ? module_->associatorProvider() : nullptr;
-    CollectingHandler<OW::CIMInstance> instances;
-    CollectingHandler<OW::CIMObjectPath> paths;
-    if (provider) {
-        if (op == "Associators") {
-            provider->associators(context.env, instances, ns, path, assocClass, resultClass, role, resultRole,
-                                  qualifiers, origin, list);
-        } else if (op == "AssociatorNames") {
-            provider->associatorNames(context.env, paths, ns, path, assocClass, resultClass, role, resultRole);
-        } else if (op == "References") {
-            provider->references(context.env, instances, ns, path, resultClass, role, qualifiers, origin, list);
-        } else {
-            provider->referenceNames(context.env, paths, ns, path, resultClass, role);
+// A ModifyInstance of the one property, as the object manager runs it: the
+// value converted to the class's type, the current instance read, a key
+// left as it is.
+void OperationDispatcher::setProperty(const CimRequest& request, Context& context) {
+    std::optional<InstanceNameText> name = request.objectNameParam("InstanceName");
+    if (!name) missingParameter("InstanceName");
+    std::optional<std::string> propertyName = request.stringParam("PropertyName");
+    if (!propertyName) missingParameter("PropertyName");
+    std::optional<TextValue> newValue = request.valueParam("NewValue");
+    const ClassDefinition& cls = requireInstanceClass(name->className, context);
+    OW::CIMProperty classProperty = apiClass(cls).getProperty(OW::CIMName(String(propertyName->c_str())));
+    if (!classProperty) throwCim(CIMException::NO_SUCH_PROPERTY, *propertyName);
+    OW::CIMValue value = newValue ? valueFromText("string", *newValue) : OW::CIMValue(OW::CIMNULL);
+    if (value && value.getType() != classProperty.getDataType().getType()) {
+        try {
+            value = OW::CIMValueCast::castValueToDataType(value, classProperty.getDataType());
+        } catch (const CIMException& e) {
+            if (e.getErrNo() != CIMException::FAILED) throw;
+            throwCim(CIMException::TYPE_MISMATCH, e.getDescription() ? e.getDescription() : "");
         }
     }
-    xml.start("IRETURNVALUE");
-    for (const OW::CIMObjectPath& p : paths.items) {
-        std::string pathNs = p.getNameSpace().empty() ? context.nameSpace : text(p.getNameSpace());
-        xml.start("OBJECTPATH").start("INSTANCEPATH");
-        writeInstancePath(xml, p, hostName_, pathNs);
-        xml.end("INSTANCEPATH").end("OBJECTPATH");
+    OW::CIMInstance instance =
+        providerGetInstance(context, cls, objectPathFromText(*name, context.nameSpace, &cls), false, true, true, nullptr);
+    OW::CIMProperty current = instance.getProperty(OW::CIMName(String(propertyName->c_str())));
+    if (classProperty.isKey() && current && current.getValue() && !current.getValue().equal(value)) {
+        throwCim(CIMException::FAILED, "Cannot modify key property: " + text(classProperty.getName()));
     }
-    for (const OW::CIMInstance& instance : instances.items) {
-        const ClassDefinition* instanceClass = classes_.findClass(text(instance.getClassName()));
-        xml.start("VALUE.OBJECTWITHPATH").start("INSTANCEPATH");
-        writeInstancePath(xml, pathOfInstance(instance, context.nameSpace, instanceClass), hostName_,
-                          context.nameSpace);
-        xml.end("INSTANCEPATH");
-        writeInstance(xml, instance, filter);
-        xml.end("VALUE.OBJECTWITHPATH");
+    OW::CIMProperty replacement = classProperty.clone();
+    replacement.setValue(value);
+    instance.setProperty(replacement);
+    OW::StringArray propertyList;
+    propertyList.push_back(String(propertyName->c_str()));
+    applyModification(context, cls, instance, true, &propertyList);
+}
+
+// The object manager hands queries to its WQL library; the host has none and
+// answers as owcimomd does without one.
+void OperationDispatcher::execQuery(const CimRequest& request) {
+    std::optional<std::string> language = request.stringParam("QueryLanguage");
+    if (!language) missingParameter("QueryLanguage");
+    if (!request.stringParam("Query")) missingParameter("Query");
+    throwCim(CIMException::QUERY_LANGUAGE_NOT_SUPPORTED, *language);
+}
+
+// The object manager looks for association classes that reference the
+// object's class; the MOF defines none, so every answer is empty and no
+// associator provider is asked. The classes named in the request are still
+// checked as owcimomd checks them.
+void OperationDispatcher::associations(const CimRequest& request, Context& context, XmlWriter& xml) {
+    std::string op = lowerCase(request.methodName);
+    std::optional<InstanceNameText> objectName = request.objectNameParam("ObjectName");
+    if (!objectName) missingParameter("ObjectName");
+    auto lookUp = [&](const std::string& name) -> const ClassDefinition& {
+        return requireClass(name, CIMException::NOT_FOUND, classPathText(context.nameSpace, name));
+    };
+    auto requireAssociation = [&](const std::optional<std::string>& name) {
+        if (!name || name->empty()) return;
+        const ClassDefinition& cls = lookUp(*name);
+        if (!hasTrueQualifier(cls, "Association")) {
+            throwCim(CIMException::INVALID_PARAMETER, "class " + cls.name + " is not an association");
+        }
+    };
+    lookUp(objectName->className);
+    bool associators = op == "associators" || op == "associatornames";
+    std::optional<std::string> resultClass = request.classNameParam("ResultClass");
+    if (associators) {
+        requireAssociation(request.classNameParam("AssocClass"));
+        if (resultClass && !resultClass->empty()) requireClass(*resultClass, CIMException::INVALID_CLASS, *resultClass);
+    } else {
+        requireAssociation(resultClass);
     }
-    xml.end("IRETURNVALUE");
+    xml.start("IRETURNVALUE").end("IRETURNVALUE");
 }
 
 void OperationDispatcher::runExtrinsic(const CimRequest& request, Context& context, XmlWriter& xml) {
-    const ClassDefinition& cls = requireClass(request.target.className);
-    const MethodDefinition* method = cls.findMethod(request.methodName);
-    if (!method) throwCim(CIMException::METHOD_NOT_FOUND, request.methodName);
+    const ClassDefinition& cls = requireClass(request.target.className, CIMException::NOT_FOUND,
+                                              classPathText(context.nameSpace, request.target.className));
+    const OW::CIMClass& apiCls = apiClass(cls);
     OW::CIMObjectPath path = request.target.isClassPath
                                  ? OW::CIMObjectPath(OW::CIMName(String(request.target.className.c_str())),
-                                                     String(context.nameSpace.c_str()))
+                                                     context.ns())
                                  : objectPathFromText(request.target, context.nameSpace, &cls);
-
-    // Inputs in declaration order, typed by their declaration; an input the
-    // client left out arrives as NULL. Outputs arrive named, with NULL values.
-    for (size_t i = 0; i < request.parameters.size(); ++i) {
-        const ParamValueText& given = request.parameters[i];
-        const ParameterDefinition* declared = method->findParameter(given.name);
-        if (!declared || !declared->isInput()) {
-            throwCim(CIMException::INVALID_PARAMETER, "method " + method->name + " has no input parameter " + given.name);
-        }
-        for (size_t j = 0; j < i; ++j) {
-            if (namesEqual(request.parameters[j].name, given.name)) {
-                throwCim(CIMException::INVALID_PARAMETER, "parameter " + given.name + " given twice");
-            }
+    syncPathWithClass(path, apiCls);
+    // A method on an instance needs the instance: any CIM error of the
+    // provider's getInstance means it is not there.
+    if (!path.getKeys().empty()) {
+        try {
+            providerGetInstance(context, cls, path, false, true, true, nullptr);
+        } catch (const CIMException&) {
+            throwCim(CIMException::NOT_FOUND, "Instance not found: " + text(path.toString()));
         }
     }
-    OW::CIMParamValueArray in;
-    OW::CIMParamValueArray out;
-    for (const ParameterDefinition& declared : method->parameters) {
-        OW::CIMValue value(OW::CIMNULL);
-        for (const ParamValueText& given : request.parameters) {
-            if (!namesEqual(given.name, declared.name)) continue;
-            if (given.referenceValue) {
-                value = OW::CIMValue(objectPathFromText(*given.referenceValue, context.nameSpace,
-                                                        classes_.findClass(given.referenceValue->className)));
-            } else {
-                value = valueFromText(declared.type, given.value);
-            }
-        }
-        OW::CIMName name(String(declared.name.c_str()));
-        if (declared.isInput()) in.push_back(OW::CIMParamValue(name, value));
-        if (declared.isOutput()) out.push_back(OW::CIMParamValue(name, declared.isInput() ? value : OW::CIMValue(OW::CIMNULL)));
-    }
-
+    const MethodDefinition* method = cls.findMethod(request.methodName);
+    if (!method) throwCim(CIMException::METHOD_NOT_FOUND, request.methodName);
     OW::CppMethodProviderIFC* provider = isBound(method->qualifiers) || isBound(cls.qualifiers)
                                              ? module_->methodProvider()
                                              : nullptr;
-    if (!provider) throwCim(CIMException::FAILED, "no method provider serves class " + cls.name);
-    OW::CIMValue result = provider->invokeMethod(context.env, String(context.nameSpace.c_str()), path,
-                                                 String(request.methodName.c_str()), in, out);
-    OW::CIMDataType returnType = OW::CIMDataType::getDataType(String(method->returnType.c_str()));
-    if (result) result = OW::CIMValueCast::castValueToDataType(result, returnType);
-    xml.start("RETURNVALUE", {{"PARAMTYPE", method->returnType}});
-    writeValue(xml, result);
-    xml.end("RETURNVALUE");
+    if (!provider) throwCim(CIMException::NOT_FOUND, "No provider for method " + request.methodName);
+    OW::CIMMethod declared = apiCls.getMethod(OW::CIMName(String(method->name.c_str())));
+    OW::CIMParameterArray inputs = declared.getINParameters();
+    OW::CIMParameterArray outputs = declared.getOUTParameters();
+
+    // The parameters as sent: typed by PARAMTYPE, else string.
+    OW::CIMParamValueArray given;
+    for (const ParamValueText& p : request.parameters) {
+        OW::CIMValue value =
+            p.referenceValue
+                ? OW::CIMValue(objectPathFromText(*p.referenceValue, context.nameSpace,
+                                                  classes_.findClass(p.referenceValue->className)))
+                : valueFromText(p.paramType.empty() ? "string" : p.paramType, p.value);
+        given.push_back(OW::CIMParamValue(OW::CIMName(String(p.name.c_str())), value));
+    }
+    // Outputs named by their declaration; inputs in declaration order, each
+    // converted to its declared type, a missing optional one as NULL.
+    OW::CIMParamValueArray out;
+    for (const OW::CIMParameter& parameter : outputs) out.push_back(OW::CIMParamValue(OW::CIMName(parameter.getName())));
+    OW::CIMParamValueArray in;
+    for (const OW::CIMParameter& parameter : inputs) {
+        size_t index = 0;
+        while (index < given.size() && !given[index].getName().equalsIgnoreCase(parameter.getName())) ++index;
+        OW::CIMParamValue value(OW::CIMName(parameter.getName()));
+        if (index < given.size()) {
+            value = given[index];
+            given.erase(given.begin() + index);
+        } else if (parameter.hasTrueQualifier(OW::CIMName("Required"))) {
+            throwCim(CIMException::INVALID_PARAMETER, "Parameter " + text(parameter.getName()) + " was not specified.");
+        }
+        OW::CIMValue v = value.getValue();
+        if (v && v.getType() != parameter.getType().getType()) {
+            try {
+                value.setValue(OW::CIMValueCast::castValueToDataType(v, parameter.getType()));
+            } catch (const CIMException& e) {
+                throwCim(CIMException::INVALID_PARAMETER, e.getDescription() ? e.getDescription() : "");
+            }
+        }
+        if (parameter.hasTrueQualifier(OW::CIMName("Out"))) {
+            for (OW::CIMParamValue& o : out) {
+                if (o.getName() == parameter.getName()) o.setValue(value.getValue());
+            }
+        }
+        in.push_back(value);
+    }
+    if (!given.empty()) {
+        throwCim(CIMException::INVALID_PARAMETER, "Unknown or duplicate parameter: " + text(given.front().getName()));
+    }
+    OW::CIMValue result =
+        provider->invokeMethod(context.env, context.ns(), path, String(request.methodName.c_str()), in, out);
+    for (size_t i = 0; i < outputs.size(); ++i) {
+        OW::CIMValue v = out[i].getValue();
+        if (v && v.getType() != outputs[i].getType().getType()) {
+            out[i].setValue(OW::CIMValueCast::castValueToDataType(v, outputs[i].getType()));
+        }
+    }
+    // The return value goes out as the provider typed it, without PARAMTYPE;
+    // every output parameter goes out, a NULL one without a value.
+    if (result) {
+        xml.start("RETURNVALUE");
+        writeValue(xml, result);
+        xml.end("RETURNVALUE");
+    }
     for (const OW::CIMParamValue& parameter : out) {
         OW::CIMValue value = parameter.getValue();
-        if (!value) continue;  // the client cannot read a PARAMVALUE without VALUE
-        const ParameterDefinition* declared = method->findParameter(text(parameter.getName()));
-        std::string type = declared ? declared->type : cimTypeName(value.getType());
-        if (declared && declared->type != "reference") {
-            OW::CIMDataType dataType = OW::CIMDataType::getDataType(String(declared->type.c_str()));
-            if (declared->isArray) dataType.setToArrayType(0);
-            value = OW::CIMValueCast::castValueToDataType(value, dataType);
+        if (value) {
+            xml.start("PARAMVALUE", {{"NAME", text(parameter.getName())}, {"PARAMTYPE", cimTypeName(value.getType())}});
+            writeValue(xml, value);
+        } else {
+            xml.start("PARAMVALUE", {{"NAME", text(parameter.getName())}});
         }
-        xml.start("PARAMVALUE", {{"NAME", text(parameter.getName())}, {"PARAMTYPE", type}});
-        writeValue(xml, value);
         xml.end("PARAMVALUE");
     }
 }

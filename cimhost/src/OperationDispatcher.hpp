@@ -1,8 +1,9 @@
-// Maps CIM operations onto the class definitions and the provider: class
-// operations are answered from the MOF, instance, method and association
-// operations go to the provider with the arguments OpenWBEM passes. Requests
-// reach the provider concurrently from the server's worker threads, as in
-// OpenWBEM; a module serialises itself where it needs to.
+// Maps CIM operations onto the class definitions and the provider the way
+// OpenWBEM 3.0's object manager does: class operations are answered from the
+// MOF, instance and method operations go to the provider with the arguments
+// and checks of owcimomd, association operations find no association class
+// and answer empty. Requests reach the provider concurrently from the server's
+// worker threads, as in OpenWBEM; a module serialises itself where it needs to.
 #pragma once
 
 #include <map>
@@ -10,6 +11,9 @@
 #include <string>
 
 #include <OW_CIMClass.hpp>
+#include <OW_CIMException.hpp>
+#include <OW_CIMInstance.hpp>
+#include <OW_CIMObjectPath.hpp>
 #include <OW_ProviderEnvironmentIFC.hpp>
 
 #include "ClassDefinition.hpp"
@@ -41,7 +45,8 @@ private:
 
     void enumerateClassNames(const CimRequest& request, XmlWriter& xml);
     void enumerateClasses(const CimRequest& request, XmlWriter& xml);
-    void getClass(const CimRequest& request, XmlWriter& xml);
+    void getClass(const CimRequest& request, Context& context, XmlWriter& xml);
+    void deleteClass(const CimRequest& request, Context& context);
     void enumerateInstanceNames(const CimRequest& request, Context& context, XmlWriter& xml);
     void enumerateInstances(const CimRequest& request, Context& context, XmlWriter& xml);
     void getInstance(const CimRequest& request, Context& context, XmlWriter& xml);
@@ -49,12 +54,29 @@ private:
     void createInstance(const CimRequest& request, Context& context, XmlWriter& xml);
     void deleteInstance(const CimRequest& request, Context& context);
     void getProperty(const CimRequest& request, Context& context, XmlWriter& xml);
+    void setProperty(const CimRequest& request, Context& context);
+    void execQuery(const CimRequest& request);
     void associations(const CimRequest& request, Context& context, XmlWriter& xml);
 
-    const ClassDefinition& requireClass(const std::string& className) const;
+    // CIM_ERR_INVALID_NAMESPACE unless `nameSpace` is the host's.
+    void checkNameSpace(const std::string& nameSpace) const;
+    // The class of a name, ignoring case; else CIM error `code` with `message`.
+    const ClassDefinition& requireClass(const std::string& className, OpenWBEM::CIMException::ErrNoType code,
+                                        const std::string& message) const;
+    // As instance operations look a class up: CIM_ERR_INVALID_CLASS.
+    const ClassDefinition& requireInstanceClass(const std::string& className, const Context& context) const;
     OpenWBEM::CppInstanceProviderIFC& instanceProviderFor(const ClassDefinition& cls) const;
     bool isBound(const std::vector<Qualifier>& qualifiers) const;
     const OpenWBEM::CIMClass& apiClass(const ClassDefinition& cls);
+    // The provider's instance at `path` (its keys fitted to the class first);
+    // a NULL answer is CIM_ERR_FAILED.
+    OpenWBEM::CIMInstance providerGetInstance(Context& context, const ClassDefinition& cls,
+                                              OpenWBEM::CIMObjectPath path, bool localOnly, bool includeQualifiers,
+                                              bool includeClassOrigin, const OpenWBEM::StringArray* propertyList);
+    // Fits `modified` to the class, reads the previous instance and hands both
+    // to the provider.
+    void applyModification(Context& context, const ClassDefinition& cls, OpenWBEM::CIMInstance modified,
+                           bool includeQualifiers, const OpenWBEM::StringArray* propertyList);
 
     const ClassRepository& classes_;
     ProviderModule* module_;

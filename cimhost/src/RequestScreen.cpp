@@ -109,7 +109,8 @@ void screenRequestBody(std::string_view body, const XmlBudget& budget) {
         } else if (startsAt(body, at, "<?")) {
             at = skipPast(body, at + 2, "?>");
         } else if (startsAt(body, at, "<!")) {
-            throw InvalidRequest("DOCTYPE and entity declarations are refused");
+            // owcimomd's parser cannot read a DOCTYPE: request-not-well-formed.
+            throw MalformedRequest("DOCTYPE and entity declarations are refused");
         } else if (startsAt(body, at, "</")) {
             if (depth > 0) --depth;
             at = skipPast(body, at + 2, ">");

@@ -6,14 +6,24 @@
 #include <initializer_list>
 #include <string>
 #include <utility>
+#include <vector>
 
 namespace cimhost {
 
 using XmlAttributes = std::initializer_list<std::pair<const char*, std::string>>;
+// Attributes collected at run time.
+using XmlAttributeList = std::vector<std::pair<const char*, std::string>>;
 
 class XmlWriter {
 public:
     XmlWriter& start(const char* name, XmlAttributes attributes = {}) {
+        out_ += '<';
+        out_ += name;
+        writeAttributes(attributes);
+        out_ += '>';
+        return *this;
+    }
+    XmlWriter& start(const char* name, const XmlAttributeList& attributes) {
         out_ += '<';
         out_ += name;
         writeAttributes(attributes);
@@ -67,7 +77,8 @@ public:
     }
 
 private:
-    void writeAttributes(XmlAttributes attributes) {
+    template <class Attributes>
+    void writeAttributes(const Attributes& attributes) {
         for (const auto& [name, value] : attributes) {
             out_ += ' ';
             out_ += name;

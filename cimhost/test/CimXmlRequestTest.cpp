@@ -97,7 +97,7 @@ TEST(CimXmlRequest, RefusesBodiesByTheirFault) {
         {kHead + "<MESSAGE ID=\"1\"></MESSAGE></CIM>", NotValid},
         {kHead + "<MESSAGE ID=\"1\"><SIMPLEREQ><IMETHODCALL NAME=\"GetClass\"></IMETHODCALL></SIMPLEREQ></MESSAGE></CIM>", NotValid},
         {kHead + "<MESSAGE><SIMPLEREQ></SIMPLEREQ></MESSAGE></CIM>", NotValid},
-        {"<?xml version=\"1.0\"?><!DOCTYPE CIM [<!ENTITY x \"xx\">]><CIM><MESSAGE ID=\"1\"></MESSAGE></CIM>", NotValid},
+        {"<?xml version=\"1.0\"?><!DOCTYPE CIM [<!ENTITY x \"xx\">]><CIM><MESSAGE ID=\"1\"></MESSAGE></CIM>", NotWellFormed},
         {kHead + "<MESSAGE ID=\"1\"><MULTIREQ></MULTIREQ></MESSAGE></CIM>", Multiple},
     };
     for (const auto& [body, fault] : cases) {

@@ -31,7 +31,7 @@ TEST(RequestScreen, AllowsOnlyPredefinedEntitiesAndLegalCharacterReferences) {
     const std::string bad[] = {"<V>&foo;</V>", "<V A=\"&nbsp;\"></V>", "<V>a & b</V>", "<V>&#0;</V>",
                                "<V>&#xD800;</V>", "<V>&#x110000;</V>", "<V>&#12a;</V>"};
     for (const std::string& body : bad) EXPECT_THROW(screenRequestBody(body, {}), MalformedRequest) << body;
-    EXPECT_THROW(screenRequestBody("<!DOCTYPE CIM [<!ENTITY a \"b\">]><CIM>&a;</CIM>", {}), InvalidRequest);
+    EXPECT_THROW(screenRequestBody("<!DOCTYPE CIM [<!ENTITY a \"b\">]><CIM>&a;</CIM>", {}), MalformedRequest);
 }
 
 TEST(RequestScreen, CountsElementsAndNestingAgainstTheBudget) {

@@ -59,10 +59,12 @@ CIMObjectPath widgetPath(const String& ns, const String& id) {
     return path;
 }
 
+// A1's key property carries the Key qualifier; B2's does not, as the
+// module's instances do not.
 CIMInstance widget(const String& id) {
     CIMInstance instance("Test_Widget");
     CIMProperty key("Id", CIMValue(id));
-    key.setQualifier(CIMQualifier::createKeyQualifier());
+    if (id.equals("A1")) key.setQualifier(CIMQualifier::createKeyQualifier());
     instance.setProperty(key);
     CIMProperty count("Count", CIMValue(UInt32(id.equals("A1") ? 42 : 0)));
     CIMQualifierType booleanType("boolean");
