@@ -60,9 +60,27 @@ Answer refusal(http::status status, const std::string& cimError = "") {
     return answer;
 }
 
-bool isXmlContentType(const std::string& value) {
-    std::string lower = lowerCase(value);
-    return lower.rfind("application/xml", 0) == 0 || lower.rfind("text/xml", 0) == 0;
+// As owcimomd's HTTP server, before the credentials and the body: a POST
+// whose Accept or Accept-Charset leaves out what the answer would be, one
+// naming byte ranges or one without a Content-Type is 406, one whose
+// content is not XML 415.
+std::optional<Answer> refusedByHeaders(const Request& request) {
+    auto has = [&request](const char* name) { return request.find(name) != request.end(); };
+    auto value = [&request](const char* name) { return std::string(request[name]); };
+    if (has("Accept") && value("Accept").find("text/xml") == std::string::npos &&
+        value("Accept").find("application/xml") == std::string::npos) {
+        return refusal(http::status::not_acceptable);
+    }
+    if (has("Accept-Charset") && value("Accept-Charset").find("utf-8") == std::string::npos) {
+        return refusal(http::status::not_acceptable);
+    }
+    for (const char* name : {"Accept-Ranges", "Content-Range", "If-Range", "Range"}) {
+        if (has(name)) return refusal(http::status::not_acceptable);
+    }
+    if (!has("Content-Type")) return refusal(http::status::not_acceptable);
+    std::string type = lowerCase(value("Content-Type").substr(0, value("Content-Type").find(';')));
+    if (type != "application/xml" && type != "text/xml") return refusal(http::status::unsupported_media_type);
+    return std::nullopt;
 }
 
 std::string percentDecoded(const std::string& text) {
@@ -412,6 +430,7 @@ void HttpServer::Impl::noteRefusal(const std::string& remote) {
 }
 
 Answer HttpServer::Impl::answer(const Request& request, const std::string& remote, AcceptedCredentials& credentials) {
+    if (std::optional<Answer> refused = refusedByHeaders(request)) return *refused;
     if (!authenticator) return answerCimCall(request, remote, "");
     std::string header(request[http::field::authorization]);
     if (!credentials.accepted || header != credentials.header) {
@@ -434,10 +453,6 @@ Answer HttpServer::Impl::answerCimCall(const Request& request, const std::string
     std::string version = header("CIMProtocolVersion");
     if (!version.empty() && version != "1" && version.rfind("1.", 0) != 0) {
         return refusal(http::status::not_implemented, "unsupported-protocol-version");
-    }
-    std::string contentType(request[http::field::content_type]);
-    if (!contentType.empty() && !isXmlContentType(contentType)) {
-        return refusal(http::status::bad_request, "request-not-valid");
     }
     CimRequest cimRequest;
     try {

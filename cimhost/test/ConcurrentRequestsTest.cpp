@@ -50,7 +50,7 @@ CimAnswer post(const ServerAddress& server, const CimCall& call) {
     http.set_keep_alive(false);
     http.set_read_timeout(30, 0);
     if (!server.user.empty()) http.set_basic_auth(server.user, server.password);
-    httplib::Headers headers = {{"CIMOperation", "MethodCall"}, {"CIMMethod", call.method},
+    httplib::Headers headers = {{"Accept", "application/xml"}, {"CIMOperation", "MethodCall"}, {"CIMMethod", call.method},
                                 {"CIMProtocolVersion", "1.0"}};
     auto result = http.Post("/cimom", headers, call.body, "application/xml; charset=utf-8");
     if (!result) return {};

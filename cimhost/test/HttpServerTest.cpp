@@ -74,8 +74,11 @@ protected:
         client->set_keep_alive(true);
     }
 
-    httplib::Result post(httplib::Headers headers, const std::string& body = kEnumerate) {
-        return client->Post("/cimom", headers, body, "application/xml; charset=\"utf-8\"");
+    // As CIM clients do, the request accepts XML (owcimomd answers 406 otherwise).
+    httplib::Result post(httplib::Headers headers, const std::string& body = kEnumerate,
+                         const std::string& contentType = "application/xml; charset=\"utf-8\"") {
+        if (headers.find("Accept") == headers.end()) headers.emplace("Accept", "application/xml");
+        return client->Post("/cimom", headers, body, contentType);
     }
 
     // The host may log after the client saw the answer.
@@ -168,6 +171,19 @@ TEST_F(HostOverHttp, RefusesRequestsThatAreNotCimCalls) {
         EXPECT_EQ(result->status, c.status) << c.body.substr(0, 300);
         EXPECT_EQ(result->get_header_value("CIMError"), c.cimError);
     }
+    // owcimomd's header checks: an answer the client does not accept, byte
+    // ranges, or a body that is not XML.
+    for (const auto& [name, value] : std::vector<std::pair<std::string, std::string>>{
+             {"Accept", "*/*"}, {"Accept-Charset", "iso-8859-1"}, {"Range", "bytes=0-10"}}) {
+        httplib::Headers headers = call;
+        headers.emplace(name, value);
+        httplib::Result result = post(headers);
+        ASSERT_TRUE(result);
+        EXPECT_EQ(result->status, 406) << name;
+    }
+    httplib::Result plain = post(call, kEnumerate, "text/plain");
+    ASSERT_TRUE(plain);
+    EXPECT_EQ(plain->status, 415);
     // M-POST needs the extension framework, which is not offered: 501 tells
     // the client to fall back to POST.
     RawConnection raw(host->port());
@@ -182,7 +198,7 @@ TEST_F(HostOverHttp, RefusesRequestsThatAreNotCimCalls) {
 TEST_F(HostOverHttp, WaitsForTheBodyAfterExpectContinue) {
     std::ofstream(dir.file("body.xml")) << kEnumerate;
     CommandResult result = runCommand(
-        "curl -s -D - -o /dev/null -H 'Expect: 100-continue' -H 'CIMOperation: MethodCall' -H 'CIMMethod: "
+        "curl -s -D - -o /dev/null -H 'Expect: 100-continue' -H 'Accept: text/xml' -H 'CIMOperation: MethodCall' -H 'CIMMethod: "
         "EnumerateInstanceNames' -H 'Content-Type: application/xml' --data-binary @" + dir.file("body.xml") +
             " http://127.0.0.1:" + std::to_string(host->port()) + "/cimom",
         dir);
@@ -252,7 +268,7 @@ TEST_F(HostOverHttp, ServesHttpsWithTls12OrLater) {
     ASSERT_EQ(made.exitCode, 0) << made.err;
     start({"--tls-cert", dir.file("cert.pem"), "--tls-key", dir.file("key.pem")});
     std::ofstream(dir.file("body.xml")) << kEnumerate;
-    std::string curl = "curl -s -o /dev/null -w '%{http_code}' -k -H 'CIMOperation: MethodCall' -H 'CIMMethod: "
+    std::string curl = "curl -s -o /dev/null -w '%{http_code}' -k -H 'Accept: application/xml' -H 'CIMOperation: MethodCall' -H 'CIMMethod: "
                        "EnumerateInstanceNames' -H 'Content-Type: application/xml' --data-binary @" +
                        dir.file("body.xml") + " https://127.0.0.1:" + std::to_string(host->port()) + "/cimom ";
     EXPECT_EQ(runCommand(curl + "--tlsv1.2 --tls-max 1.2", dir).out, "200");

@@ -122,7 +122,7 @@ public:
     }
 
     CimAnswer call(const std::string& method, const std::string& body) {
-        httplib::Headers headers = {{"CIMOperation", "MethodCall"}, {"CIMMethod", method}};
+        httplib::Headers headers = {{"Accept", "application/xml"}, {"CIMOperation", "MethodCall"}, {"CIMMethod", method}};
         auto result = http_.Post("/cimom", headers, body, "application/xml; charset=utf-8");
         if (!result) return {};
         return readAnswer(result->status, result->body);
