@@ -171,38 +171,111 @@ TEST_F(PushSettingTest, ControlCharactersReadAsTheDefaultAndAreReported) {
   }
 }
 
-TEST_F(PushSettingTest, FailedReadsAreLoggedGiveTheirFallbackAndThrow) {
-  setByte("TransferType", 0);
-  setByte("NumRetry", 3);
-  setByte("DeleteFlag", 1);
-  setText("IpAddr", "10.0.0.1");
-  const uint32_t kFault = 0x200011;
-  root.setFault("reg-read", "CDR", "CDRPush", "NumRetry", kFault);
-  root.setFault("reg-read", "CDR", "CDRPush", "DeleteFlag", kFault);
-  root.setFault("reg-read", "CDR", "CDRPush", "IpAddr", kFault);
-  transferType();
-  Qualifiers q;
-  unsigned int retries = 0;
-  EXPECT_THROW(push->getNumRetry(retries, q), CFG_ReadError);
-  EXPECT_EQ(1u, retries);
-  bool flag = true;
-  EXPECT_THROW(push->getDeleteFlag(flag, q), CFG_ReadError);
-  EXPECT_FALSE(flag);
-  std::string address = "before";
-  EXPECT_THROW(push->getIPAddress(address, q), CFG_ReadError);
-  EXPECT_EQ("", address);
+// Every setting: its registry key, the transfer type under which it
+// applies, a value written through its setter and read back, and what its
+// getter leaves after a failed read.
+struct Setting {
+  const char* property;
+  const char* key;
+  bool isText;
+  uint8_t type;
+  std::function<int(QTX_CDRPushSettingImpl&)> write;
+  std::function<std::string(const QTX_CDRPushSettingImpl&)> read;  // "threw <value>" on CFG_ReadError
+  const char* written;
+  const char* afterFailedRead;
+};
 
-  root.setFault("reg-read", "CDR", "CDRPush", "TransferType", kFault);
-  unsigned char type = 0;
-  EXPECT_THROW(push->getTransferType(type, q), CFG_ReadError);
-  EXPECT_EQ(4, type);
-  root.clearFaults();
-  EXPECT_EQ((std::vector<std::string>{"4 getNumRetry error = 2097169",
-                                      "4 getDeleteFlag error = 2097169",
-                                      "4 getIPAddress error = 2097169",
-                                      "4 getTransferType error = 2097169"}),
-            entries());
-  EXPECT_EQ((std::vector<uint8_t>{0}), byteEntry("TransferType"));  // nothing written back
+template <class T>
+std::function<int(QTX_CDRPushSettingImpl&)> writing(int (QTX_CDRPushSettingImpl::*setter)(T), T value) {
+  return [=](QTX_CDRPushSettingImpl& push) { return (push.*setter)(value); };
+}
+template <class T>
+std::function<std::string(const QTX_CDRPushSettingImpl&)> reading(
+    int (QTX_CDRPushSettingImpl::*getter)(T&, Qualifiers&) const, T start) {
+  return [=](const QTX_CDRPushSettingImpl& push) {
+    T value = start;
+    Qualifiers q;
+    try {
+      EXPECT_EQ(0, (push.*getter)(value, q));
+    } catch (const CFG_ReadError&) {
+      return "threw " + shown(value);
+    }
+    return shown(value);
+  };
+}
+
+typedef QTX_CDRPushSettingImpl P;
+const Setting kSettings[] = {
+    {"TransferType", "TransferType", false, 0, writing(&P::setTransferType, (unsigned char)1),
+     reading(&P::getTransferType, (unsigned char)0xEE), "1", "threw 4"},
+    {"IPAddress", "IpAddr", true, 0, writing(&P::setIPAddress, std::string("10.0.0.1")),
+     reading(&P::getIPAddress, std::string("x")), "10.0.0.1", "threw "},
+    {"UserName", "UserName", true, 0, writing(&P::setUserName, std::string("bob")),
+     reading(&P::getUserName, std::string("x")), "bob", "threw "},
+    {"Password", "Password", true, 0, writing(&P::setPassword, std::string("secret")),
+     reading(&P::getPassword, std::string("x")), "secret", "threw "},
+    {"DestFolder", "DestFolder", true, 0, writing(&P::setDestFolder, std::string("/cdr/out")),
+     reading(&P::getDestFolder, std::string("x")), "/cdr/out", "threw "},
+    {"NumRetry", "NumRetry", false, 0, writing(&P::setNumRetry, 5u), reading(&P::getNumRetry, 7u), "5",
+     "threw 1"},
+    {"DeleteFlag", "DeleteFlag", false, 0, writing(&P::setDeleteFlag, true),
+     reading(&P::getDeleteFlag, true), "1", "threw 0"},
+    {"CompressFlag", "CompressFlag", false, 0, writing(&P::setCompressFlag, true),
+     reading(&P::getCompressFlag, true), "1", "threw 0"},
+    {"IncludeMetricsFlag", "IncludeMetricsFlag", false, 0, writing(&P::setIncludeMetricsFlag, true),
+     reading(&P::getIncludeMetricsFlag, true), "1", "threw 0"},
+    {"TransferTime", "TranTime", true, 0, writing(&P::setTransferTime, std::string("7:05")),
+     reading(&P::getTransferTime, std::string("x")), "7:05", "threw "},
+    {"TransferDayOfMonth", "TranDateOfMonth", true, 2, writing(&P::setTransferDayOfMonth, std::string("15")),
+     reading(&P::getTransferDayOfMonth, std::string("x")), "15", "threw "},
+    {"TransferDayOfWeek", "TranDateOfWeek", true, 1, writing(&P::setTransferDayOfWeek, std::string("3")),
+     reading(&P::getTransferDayOfWeek, std::string("x")), "3", "threw "},
+};
+
+TEST_F(PushSettingTest, EverySettingIsStoredUnderItsKeyAndReadBack) {
+  for (const Setting& s : kSettings) {
+    setByte("TransferType", s.type);
+    transferType();
+    EXPECT_EQ(0, s.write(*push)) << s.property;
+    std::vector<uint8_t> bytes = byteEntry(s.key);
+    EXPECT_EQ(s.written, s.isText ? text(s.key) : bytes.empty() ? "<absent>" : std::to_string(bytes[0]))
+        << s.property;
+    EXPECT_EQ(s.written, s.read(*push)) << s.property;
+  }
+}
+
+TEST_F(PushSettingTest, FailedReadsAreLoggedGiveTheirFallbackAndThrow) {
+  const uint32_t kFault = 0x200011;
+  std::vector<std::string> expected;
+  for (const Setting& s : kSettings) {
+    setByte("TransferType", s.type);
+    transferType();
+    s.write(*push);
+    root.setFault("reg-read", "CDR", "CDRPush", s.key, kFault);
+    EXPECT_EQ(s.afterFailedRead, s.read(*push)) << s.property;
+    root.clearFaults();
+    expected.push_back(std::string("4 get") + s.property + " error = 2097169");
+    // Nothing is written back.
+    EXPECT_EQ(s.written, s.read(*push)) << s.property;
+  }
+  std::vector<std::string> failures;
+  for (const std::string& line : entries()) {
+    if (line.find(" error = ") != std::string::npos) failures.push_back(line);
+  }
+  EXPECT_EQ(expected, failures);
+}
+
+TEST_F(PushSettingTest, FailedWritesAreLoggedAndThrow) {
+  root.setFault("reg-write", "CDR", "CDRPush", "", 0x200011);
+  std::vector<std::string> expected;
+  for (const Setting& s : kSettings) {
+    EXPECT_THROW(s.write(*push), CFG_WriteError) << s.property;
+    // A refused transfer type is logged at the schedule's failure level.
+    expected.push_back((std::string(s.key) == "TransferType" ? "1 set" : "4 set") + std::string(s.property) +
+                       " error = 2097169");
+  }
+  EXPECT_EQ(expected, entries());
+  EXPECT_TRUE(root.crontabLines().empty());  // a refused write arms nothing
 }
 
 // ---- Writing -----------------------------------------------------------------
@@ -239,22 +312,6 @@ TEST_F(PushSettingTest, NumRetryKeepsOnlyItsLowByte) {
   EXPECT_EQ("44", readAll(*push).values["NumRetry"]);
   setByte("NumRetry", 0xFF);
   EXPECT_EQ("255", readAll(*push).values["NumRetry"]);
-}
-
-TEST_F(PushSettingTest, FailedWritesAreLoggedAndThrow) {
-  const uint32_t kFault = 0x200011;
-  root.setFault("reg-write", "CDR", "CDRPush", "", kFault);
-  EXPECT_THROW(push->setIPAddress("10.0.0.1"), CFG_WriteError);
-  EXPECT_THROW(push->setNumRetry(3), CFG_WriteError);
-  EXPECT_THROW(push->setTransferTime("10:00"), CFG_WriteError);
-  EXPECT_THROW(push->setTransferDayOfWeek("2"), CFG_WriteError);
-  EXPECT_THROW(push->setTransferType(0), CFG_WriteError);
-  EXPECT_EQ((std::vector<std::string>{"4 setIPAddress error = 2097169", "4 setNumRetry error = 2097169",
-                                      "4 setTransferTime error = 2097169",
-                                      "4 setTransferDayOfWeek error = 2097169",
-                                      "1 setTransferType error = 2097169"}),
-            entries());
-  EXPECT_TRUE(root.crontabLines().empty());  // a refused write arms nothing
 }
 
 // ---- The schedule ------------------------------------------------------------
