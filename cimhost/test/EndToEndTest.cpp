@@ -177,7 +177,7 @@ TEST_F(CdrHost, MethodsAnswerWithTheirCounters) {
     EXPECT_NE(queueMessages(1).find("1\n"), std::string::npos);
     CommandResult push = wbemcli("cm \"" + url + ":" + kPushSetting + "\" PushFileNow");
     ASSERT_EQ(push.exitCode, 0) << push.err;
-    EXPECT_NE(push.out.find("PushFileNow: "), std::string::npos) << push.out;
+    EXPECT_NE(push.out.find("PushFileNow: 1\n"), std::string::npos) << push.out;
     CommandResult pull = wbemcli("cm '" + url + ":QTX_CDRPullStatistics.Name=\"CDRPullStatistic\"' Refresh");
     EXPECT_NE(pull.out.find("Refresh: 1"), std::string::npos) << pull.out << pull.err;
 }
