@@ -428,6 +428,42 @@ TEST_F(PushSettingTest, RestoreReArmsTheScheduleFromTheRestoredSettings) {
   EXPECT_EQ(1, transferType());
 }
 
+// After a restore the restored type decides: 0-2 re-arm from the restored
+// time and day (a missing day is created empty, a missing time as "00:00"),
+// 3 and 4 remove the scheduled run. Only the type's own day is touched.
+TEST_F(PushSettingTest, RestoreArmsOrRemovesByTheRestoredType) {
+  struct Row { uint8_t type; const char* time; const char* day; const char* cron; } rows[] = {
+      {3, nullptr, nullptr, nullptr},
+      {4, nullptr, nullptr, nullptr},
+      {0, nullptr, nullptr, "0 0 * * *"},
+      {2, "8:30", "12", "30 8 12 * *"},
+      {1, nullptr, nullptr, "30 8 * * 7"},
+  };
+  for (const Row& row : rows) {
+    addStaleTask(1, 0);
+    setByte("TransferType", row.type);
+    if (row.time) setText("TranTime", row.time);
+    if (row.day) setText("TranDateOfMonth", row.day);
+    EXPECT_EQ(0, push->RestoreCallBackHdlr(2)) << int(row.type);
+    std::vector<std::string> expected;
+    if (row.cron) expected.push_back(std::string(row.cron) + kTask);
+    EXPECT_EQ(expected, root.crontabLines()) << int(row.type);
+    EXPECT_EQ(row.type, transferType());
+    if (row.type >= 3) {
+      EXPECT_FALSE(has("TranTime"));
+    } else if (row.type == 0) {
+      EXPECT_EQ("00:00", text("TranTime"));
+      EXPECT_FALSE(has("TranDateOfMonth"));
+      EXPECT_FALSE(has("TranDateOfWeek"));
+    } else if (row.type == 2) {
+      EXPECT_FALSE(has("TranDateOfWeek"));
+    } else {
+      EXPECT_EQ("", text("TranDateOfWeek"));
+    }
+    if (row.cron) push->removePushSchedule();
+  }
+}
+
 TEST_F(PushSettingTest, RestoreWithoutTransferTypeReturnsTheReadStatusAndKeepsTheTask) {
   addStaleTask(1, 0);
   EXPECT_EQ(0x20000D, push->RestoreCallBackHdlr(2));
