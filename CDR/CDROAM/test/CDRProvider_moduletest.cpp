@@ -141,8 +141,6 @@ TEST_F(LoadedModuleTest, InitializationCreatesTheSeventeenObjectsWithTheirTraces
   }
   EXPECT_STREQ("CDRServicePrefixBin_7",
                names("QTX_CDRServicePrefixBin")[7].getKeys()[0].getValue().toString().c_str());
-  std::vector<std::string> diag = root.logLines("CdrOAM.log");
-  (void)diag;  // the module registered "CdrOAM.log"; entries appear on the first failure
 }
 
 TEST_F(LoadedModuleTest, ClassNamesAreMatchedExactlyAndCaseSensitively) {
@@ -342,9 +340,17 @@ TEST_F(LoadedModuleTest, HolderFunctionsForHostsWithoutTheProviderInterface) {
   testing::internal::CaptureStdout();
   EXPECT_NE(nullptr, createHolder());
   testing::internal::GetCapturedStdout();
+  // The holder registers the module's diagnostic log and deregisters it when
+  // released.
+  const uint32_t handle = *symbol<uint32_t*>("zpoHandle");
+  EXPECT_EQ(0u, ZpoDiagAddLogEntry(handle, 2, 4, -1, "probe"));
+  std::vector<std::string> lines = root.logLines("CdrOAM.log");
+  ASSERT_EQ(1u, lines.size());
+  EXPECT_NE(std::string::npos, lines[0].find(" CDROAM cat=2 level=4 id=-1 probe")) << lines[0];
   uint8_t daily = 0;
   ZpoSetRegEntryBinary("CDR", "CDRPush", "TransferType", &daily, 1);
   release();
+  EXPECT_NE(0u, ZpoDiagAddLogEntry(handle, 2, 4, -1, "after release"));
   restore(2);  // the push setting is gone: ignored, nothing scheduled
   EXPECT_TRUE(root.crontabLines().empty());
 }
