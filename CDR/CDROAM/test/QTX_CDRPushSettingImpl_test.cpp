@@ -293,6 +293,9 @@ TEST_F(PushSettingTest, TransferTimeAcceptsHourAndMinuteInRangeStoredAsGiven) {
 }
 
 TEST_F(PushSettingTest, DaysAreValidatedByTheirLeadingNumberAndStoredAsGiven) {
+  // Nothing read yet: the first arming runs daily at midnight.
+  EXPECT_EQ(0, push->setTransferDayOfWeek("3"));
+  EXPECT_EQ((std::vector<std::string>{std::string("0 0 * * *") + kTask}), root.crontabLines());
   struct Row { bool month; const char* day; int status; } rows[] = {
       {true, "1", 0}, {true, "31", 0}, {true, "15th", 0}, {true, "0", 301}, {true, "32", 301},
       {true, "", 301}, {false, "0", 0}, {false, "6", 0}, {false, "7", 301}, {false, "-1", 301}};
