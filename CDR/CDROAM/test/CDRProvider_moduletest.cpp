@@ -351,6 +351,13 @@ TEST_F(LoadedModuleTest, HolderFunctionsForHostsWithoutTheProviderInterface) {
   ZpoSetRegEntryBinary("CDR", "CDRPush", "TransferType", &daily, 1);
   release();
   EXPECT_NE(0u, ZpoDiagAddLogEntry(handle, 2, 4, -1, "after release"));
+  // Every released object has left its class.
+  baseRef = OW::IntrusiveReference<OW::CppProviderBaseIFC>(create());
+  instances = baseRef->getInstanceProvider();
+  for (const char* className : {"QTX_CDRPushSetting", "QTX_CDRPushStatistics", "QTX_CDRPullStatistics",
+                                "QTX_CDRService", "QTX_CDRServicePrefixBin", "QTX_CDRServiceAccessBin"}) {
+    EXPECT_TRUE(names(className).empty()) << className;
+  }
   restore(2);  // the push setting is gone: ignored, nothing scheduled
   EXPECT_TRUE(root.crontabLines().empty());
 }
