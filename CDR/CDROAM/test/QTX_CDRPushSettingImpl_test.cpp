@@ -157,8 +157,12 @@ TEST_F(PushSettingTest, ControlCharactersReadAsTheDefaultAndAreReported) {
   struct Row { uint8_t type; const char* key; const char* property; const char* stored; const char* read; }
   rows[] = {
       {0, "IpAddr", "IPAddress", "10.0.0.1\t", ""},
+      {0, "UserName", "UserName", "bob\n", ""},
+      {0, "Password", "Password", "\x7f", ""},
+      {0, "DestFolder", "DestFolder", "/cdr\x1b", ""},
       {0, "TranTime", "TransferTime", "10:\x01" "00", "00:00"},
       {2, "TranDateOfMonth", "TransferDayOfMonth", "1\r", ""},
+      {1, "TranDateOfWeek", "TransferDayOfWeek", "\x02" "3", ""},
   };
   for (const Row& row : rows) {
     setByte("TransferType", row.type);
