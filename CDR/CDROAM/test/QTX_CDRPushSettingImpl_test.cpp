@@ -16,6 +16,7 @@ namespace {
 
 namespace OW = OW_NAMESPACE;
 typedef OW::Array<OW::CIMQualifier> Qualifiers;
+typedef QTX_CDRPushSettingImpl P;
 
 const char* const kTask = " /qv/bin/CDRTransfer";
 
@@ -127,14 +128,16 @@ TEST_F(PushSettingTest, FirstReadWithoutEntriesCreatesOnlyTheTransferType) {
 TEST_F(PushSettingTest, MissingEntriesAreCreatedWithTheirDefaults) {
   setByte("TransferType", 0);
   ReadCycle cycle = readAll(*push);
-  bool flag = true;
   Qualifiers q;
-  push->getCompressFlag(flag, q);
+  for (auto getter : {&P::getDeleteFlag, &P::getCompressFlag, &P::getIncludeMetricsFlag}) {
+    bool flag = true;
+    (push.get()->*getter)(flag, q);
+    EXPECT_FALSE(flag);
+  }
 
   EXPECT_EQ("", cycle.values["IPAddress"]);
   EXPECT_EQ("00:00", cycle.values["TransferTime"]);
   EXPECT_EQ("0", cycle.values["NumRetry"]);
-  EXPECT_FALSE(flag);
   EXPECT_EQ("true", cycle.applicable["TransferTime"]);
   EXPECT_EQ("false", cycle.applicable["TransferDayOfMonth"]);
   EXPECT_EQ("untouched", cycle.values["TransferDayOfWeek"]);
@@ -142,7 +145,9 @@ TEST_F(PushSettingTest, MissingEntriesAreCreatedWithTheirDefaults) {
   EXPECT_EQ("", text("DestFolder"));
   EXPECT_EQ("00:00", text("TranTime"));
   EXPECT_EQ((std::vector<uint8_t>{0}), byteEntry("NumRetry"));
-  EXPECT_EQ((std::vector<uint8_t>{0}), byteEntry("CompressFlag"));
+  for (const char* key : {"DeleteFlag", "CompressFlag", "IncludeMetricsFlag"}) {
+    EXPECT_EQ((std::vector<uint8_t>{0}), byteEntry(key)) << key;
+  }
   EXPECT_FALSE(has("TranDateOfMonth"));
   EXPECT_TRUE(entries().empty());
 
@@ -208,7 +213,6 @@ std::function<std::string(const QTX_CDRPushSettingImpl&)> reading(
   };
 }
 
-typedef QTX_CDRPushSettingImpl P;
 const Setting kSettings[] = {
     {"TransferType", "TransferType", false, 0, writing(&P::setTransferType, (unsigned char)1),
      reading(&P::getTransferType, (unsigned char)0xEE), "1", "threw 4"},
