@@ -286,6 +286,19 @@ TEST_F(PushSettingTest, FailedWritesAreLoggedAndThrow) {
   EXPECT_TRUE(root.crontabLines().empty());  // a refused write arms nothing
 }
 
+// Texts are read into a 512-byte buffer: a longer stored text is a failed read.
+TEST_F(PushSettingTest, TextsAreReadIntoTheir512ByteBuffer) {
+  setByte("TransferType", 0);
+  transferType();
+  Qualifiers q;
+  std::string value;
+  setText("DestFolder", std::string(511, 'd').c_str());
+  EXPECT_EQ(0, push->getDestFolder(value, q));
+  EXPECT_EQ(std::string(511, 'd'), value);
+  setText("DestFolder", std::string(512, 'd').c_str());
+  EXPECT_THROW(push->getDestFolder(value, q), CFG_ReadError);
+}
+
 // ---- Writing -----------------------------------------------------------------
 
 TEST_F(PushSettingTest, TransferTimeAcceptsHourAndMinuteInRangeStoredAsGiven) {
