@@ -138,6 +138,12 @@ TEST_F(LoadedModuleTest, InitializationCreatesTheSeventeenObjectsWithTheirTraces
     std::vector<OW::CIMObjectPath> paths = names(row.className);
     ASSERT_EQ(row.count, paths.size()) << row.className;
     EXPECT_STREQ(row.firstKey, paths[0].getKeys()[0].getValue().toString().c_str());
+    cdrtest::InstanceCollector found;
+    instances->enumInstances(env, "root/cimv2", row.className, found, OW::WBEMFlags::E_NOT_LOCAL_ONLY,
+                             OW::WBEMFlags::E_DEEP, OW::WBEMFlags::E_INCLUDE_QUALIFIERS,
+                             OW::WBEMFlags::E_EXCLUDE_CLASS_ORIGIN, 0, kNoClass, kNoClass);
+    ASSERT_EQ(row.count, found.items.size()) << row.className;
+    EXPECT_STREQ(row.className, found.items[0].getClassName().c_str());
   }
   EXPECT_STREQ("CDRServicePrefixBin_7",
                names("QTX_CDRServicePrefixBin")[7].getKeys()[0].getValue().toString().c_str());
