@@ -161,12 +161,16 @@ TEST_F(ServiceProviderTest, ModifyStopsAtTheFirstRefusalKeepingWhatCameBefore) {
 
 TEST_F(ServiceProviderTest, EverySuccessfulSetNotifiesAndNarrowsToItsEntry) {
   zpotest::TempZpoRoot::Queue queue = root.createQueue("CDRService");
+  testing::internal::CaptureStdout();
   CIMError error = modify({{"ClipFileSize_100K", OW::CIMValue(OW::UInt32(300))},
                            {"CallFilterDuration", OW::CIMValue(OW::UInt32(256))},
                            {"AnswerSupervision", OW::CIMValue(true)},
                            {"Unknown", OW::CIMValue(OW::UInt8(1))},
                            {"Language", OW::CIMValue(OW::CIMNULL)},
                            {"Name", OW::CIMValue(OW::String("other"))}});
+  fflush(stdout);
+  const std::string sent = "After notifyCDRService()############################## \n";
+  EXPECT_EQ(sent + sent + sent, testing::internal::GetCapturedStdout());
   EXPECT_FALSE(error.thrown);
   EXPECT_EQ((std::vector<uint8_t>{44}), entry("CDRService", "FILESIZE"));
   EXPECT_EQ((std::vector<uint8_t>{0}), entry("CDRService", "TIME"));
