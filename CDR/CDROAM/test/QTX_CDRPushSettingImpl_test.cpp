@@ -250,6 +250,13 @@ TEST_F(PushSettingTest, EverySettingIsStoredUnderItsKeyAndReadBack) {
         << s.property;
     EXPECT_EQ(s.written, s.read(*push)) << s.property;
   }
+  // A flag set false is stored as 0.
+  for (auto setter : {&P::setDeleteFlag, &P::setCompressFlag, &P::setIncludeMetricsFlag}) {
+    EXPECT_EQ(0, (push.get()->*setter)(false));
+  }
+  for (const char* key : {"DeleteFlag", "CompressFlag", "IncludeMetricsFlag"}) {
+    EXPECT_EQ((std::vector<uint8_t>{0}), byteEntry(key)) << key;
+  }
 }
 
 TEST_F(PushSettingTest, FailedReadsAreLoggedGiveTheirFallbackAndThrow) {
