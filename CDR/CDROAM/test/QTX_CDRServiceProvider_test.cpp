@@ -272,6 +272,13 @@ TEST_F(ServiceProviderTest, SendFailureIsLoggedButTheSetStillSucceeds) {
   ASSERT_FALSE(log().empty());
   EXPECT_NE(std::string::npos,
             log().back().find("level=1 id=-1 Notifying CDRService QueueSend failed rc =30002"));
+  // A service that went away is still addressed, and that failure is logged too.
+  root.clearFaults();
+  root.removeQueue("CDRService");
+  size_t before = log().size();
+  EXPECT_FALSE(modify({{"Language", OW::CIMValue(OW::UInt8(3))}}).thrown);
+  ASSERT_EQ(before + 1, log().size());
+  EXPECT_NE(std::string::npos, log().back().find("level=1 id=-1 Notifying CDRService QueueSend failed rc ="));
 }
 
 TEST_F(ServiceProviderTest, WithoutAQueueSettersSucceedSilently) {
