@@ -310,7 +310,7 @@ TEST_F(PushSettingTest, TextsAreReadIntoTheir512ByteBuffer) {
 
 TEST_F(PushSettingTest, TransferTimeAcceptsHourAndMinuteInRangeStoredAsGiven) {
   struct Row { const char* time; int status; } rows[] = {
-      {"7:5", 0}, {"00:00", 0}, {"23:59", 0}, {"0:0", 0}, {"", 0}, {"10:20:30", 0},
+      {"7:5", 0}, {"00:00", 0}, {"23:59", 0}, {"0:0", 0}, {"", 0}, {"10:20:30", 0}, {"7::5", 0},
       {"24:00", 301}, {"12:60", 301}, {"ab:10", 301}, {"12:x", 301}, {"000", 301},
       {"-1:10", 301}};
   for (const Row& row : rows) {
