@@ -97,6 +97,7 @@ TEST_F(ServiceProviderTest, ReportTypeValidValuesFollowTheFormatReadBeforeIt) {
   EXPECT_EQ("0,1", qualifierText(instance, "ReportType", "ValidValueMap"));
   OW::CIMQualifier q = instance.getProperty("ReportType").getQualifier("ValidValueMap");
   EXPECT_EQ("string", std::string(q.getDefaults().getName().c_str()));
+  EXPECT_EQ(OW::CIMDataType::STRING, q.getDefaults().getDataType().getType());
   EXPECT_EQ(OW::CIMDataType::UINT32, q.getValue().getType());
   EXPECT_TRUE(q.getValue().isArray());
 }
