@@ -1,6 +1,11 @@
 // The instance manager's semantics, seen through the CDR service family.
 #include "CDRTestSupport.hpp"
+#include "QTX_CDRPullStatisticsImpl.h"
+#include "QTX_CDRPushSettingImpl.h"
+#include "QTX_CDRPushStatisticsImpl.h"
+#include "QTX_CDRServiceAccessBinImpl.h"
 #include "QTX_CDRServiceImpl.h"
+#include "QTX_CDRServicePrefixBinImpl.h"
 
 namespace {
 
@@ -74,6 +79,49 @@ TEST_F(InstanceManagerTest, NoManagerCreatesOrDestroys) {
   QTX_CDRServiceImpl object("a", "b", "c", "d");
   EXPECT_THROW(manager.destroyQTX_CDRService(&object), CFG_InstanceDeletionFailed);
   EXPECT_EQ(&object, manager.get("a", "b", "c", "d"));
+}
+
+// What the managed classes answer for a property their implementation does
+// not provide: the settings' getters fail with 100 and their setters with
+// 101; the pull statistics read as nothing (0) but refuse the flag (101).
+TEST_F(ModuleTest, ManagedClassesOwnAccessorsRefuse) {
+  OW_NAMESPACE::Array<OW_NAMESPACE::CIMQualifier> q;
+  QTX_CDRServiceImpl service("a", "b", "c", "d");
+  testing::internal::CaptureStdout();
+  QTX_CDRPushSettingImpl push("p");
+  testing::internal::GetCapturedStdout();
+#define CDR_TEST_BASE_ACCESSORS(C, object, N, T) \
+  {                                             \
+    T value{};                                  \
+    EXPECT_EQ(100, object.C::get##N(value, q)) << #N; \
+    EXPECT_EQ(101, object.C::set##N(value)) << #N;    \
+  }
+#define CDR_TEST_SERVICE(N, T) CDR_TEST_BASE_ACCESSORS(QTX_CDRService, service, N, T)
+#define CDR_TEST_PUSH(N, T) CDR_TEST_BASE_ACCESSORS(QTX_CDRPushSetting, push, N, T)
+  QTX_CDRSERVICE_PROPERTIES(CDR_TEST_SERVICE)
+  QTX_CDRPUSHSETTING_PROPERTIES(CDR_TEST_PUSH)
+#undef CDR_TEST_PUSH
+#undef CDR_TEST_SERVICE
+#undef CDR_TEST_BASE_ACCESSORS
+
+  std::string text;
+  QTX_CDRServiceAccessBinImpl access("x", 0);
+  EXPECT_EQ(100, access.QTX_CDRServiceAccessBin::getAccessBin(text, q));
+  EXPECT_EQ(100, access.QTX_CDRServiceAccessBin::getSuppressBin(text, q));
+  EXPECT_EQ(101, access.QTX_CDRServiceAccessBin::setAccessBin("1"));
+  EXPECT_EQ(101, access.QTX_CDRServiceAccessBin::setSuppressBin("1"));
+  QTX_CDRServicePrefixBinImpl prefix("y", 0);
+  EXPECT_EQ(100, prefix.QTX_CDRServicePrefixBin::getPrefixBin(text, q));
+  EXPECT_EQ(101, prefix.QTX_CDRServicePrefixBin::setPrefixBin("1"));
+  QTX_CDRPushStatisticsImpl pushed("s");
+  EXPECT_EQ(100, pushed.QTX_CDRPushStatistics::getLastTransferTime(text, q));
+  QTX_CDRPullStatisticsImpl pulled("t");
+  unsigned int count = 7;
+  bool flag = true;
+  EXPECT_EQ(0, pulled.QTX_CDRPullStatistics::getNumberOfSuccessfulTransfers(count, q));
+  EXPECT_EQ(0, pulled.QTX_CDRPullStatistics::getReasonForFailure(text, q));
+  EXPECT_EQ(0, pulled.QTX_CDRPullStatistics::getIncludeMetricsFlag(flag, q));
+  EXPECT_EQ(101, pulled.QTX_CDRPullStatistics::setIncludeMetricsFlag(true));
 }
 
 }  // namespace

@@ -34,9 +34,15 @@ using cdrtest::CIMError;
 const char* const kSource = "CDR/CDROAM/src/CDRProvider";
 const OW::CIMClass kNoClass(OW::CIMNULL);
 
-class ThrowingHandler : public OW::CIMInstanceResultHandlerIFC {
+// Result handlers that fail on the first result: with a std::exception
+// ("x") or with something else (an int).
+template <class T, bool Std>
+class ThrowingHandler : public OW::ResultHandlerIFC<T> {
  protected:
-  void doHandle(const OW::CIMInstance&) override { throw std::runtime_error("x"); }
+  void doHandle(const T&) override {
+    if (Std) throw std::runtime_error("x");
+    throw 42;
+  }
 };
 
 class LoadedModuleTest : public ::testing::Test {
@@ -132,11 +138,15 @@ TEST_F(LoadedModuleTest, InitializationCreatesTheSeventeenObjectsWithTheirTraces
     std::vector<OW::CIMObjectPath> paths = names(row.className);
     ASSERT_EQ(row.count, paths.size()) << row.className;
     EXPECT_STREQ(row.firstKey, paths[0].getKeys()[0].getValue().toString().c_str());
+    cdrtest::InstanceCollector found;
+    instances->enumInstances(env, "root/cimv2", row.className, found, OW::WBEMFlags::E_NOT_LOCAL_ONLY,
+                             OW::WBEMFlags::E_DEEP, OW::WBEMFlags::E_INCLUDE_QUALIFIERS,
+                             OW::WBEMFlags::E_EXCLUDE_CLASS_ORIGIN, 0, kNoClass, kNoClass);
+    ASSERT_EQ(row.count, found.items.size()) << row.className;
+    EXPECT_STREQ(row.className, found.items[0].getClassName().c_str());
   }
   EXPECT_STREQ("CDRServicePrefixBin_7",
                names("QTX_CDRServicePrefixBin")[7].getKeys()[0].getValue().toString().c_str());
-  std::vector<std::string> diag = root.logLines("CdrOAM.log");
-  (void)diag;  // the module registered "CdrOAM.log"; entries appear on the first failure
 }
 
 TEST_F(LoadedModuleTest, ClassNamesAreMatchedExactlyAndCaseSensitively) {
@@ -186,7 +196,7 @@ TEST_F(LoadedModuleTest, DispatchesEveryOperationToTheAddressedClass) {
 
 TEST_F(LoadedModuleTest, StdExceptionBecomesFailedWithTheComposedMessageAlsoLogged) {
   start();
-  ThrowingHandler handler;
+  ThrowingHandler<OW::CIMInstance, true> handler;
   CIMError error = catchCIMError([&] {
     instances->enumInstances(env, "root/cimv2", "QTX_CDRPullStatistics", handler,
                              OW::WBEMFlags::E_NOT_LOCAL_ONLY, OW::WBEMFlags::E_DEEP,
@@ -202,6 +212,79 @@ TEST_F(LoadedModuleTest, StdExceptionBecomesFailedWithTheComposedMessageAlsoLogg
   EXPECT_EQ(text, error.message);
   ASSERT_EQ(1u, log->size());
   EXPECT_EQ("ERROR: " + text, (*log)[0]);
+}
+
+// Each operation's failures carry its own line, and a translated exception
+// names the operation and the class; the same text goes to the CIMOM log.
+TEST_F(LoadedModuleTest, FailuresNameTheOperationAndClassAtTheirLines) {
+  start();
+  const std::string stdPrefix = "Unknown std::exception caught in CDRProvider\n while performing ";
+  const std::string otherPrefix = "Unknown throw caught in CDRProvider\n while performing ";
+  OW::CIMObjectPath nope = cdrtest::makePath("QTX_Nope", {{"InstanceID", "x"}});
+  OW::CIMInstance nopeInstance("QTX_Nope");
+  OW::CIMInstance badType("QTX_CDRPushSetting");
+  badType.setProperty("InstanceID", OW::CIMValue(OW::String("CDRPushSetting")));
+  badType.setProperty("TransferType", OW::CIMValue(OW::String("daily")));
+  OW::CIMParamValueArray in, out;
+  ThrowingHandler<OW::CIMObjectPath, true> stdNames;
+  ThrowingHandler<OW::CIMObjectPath, false> otherNames;
+  ThrowingHandler<OW::CIMInstance, false> otherInstances;
+  cdrtest::PathCollector paths;
+  cdrtest::InstanceCollector found;
+  auto enumInstances = [&](const char* className, OW::CIMInstanceResultHandlerIFC& handler) {
+    instances->enumInstances(env, "root/cimv2", className, handler, OW::WBEMFlags::E_NOT_LOCAL_ONLY,
+                             OW::WBEMFlags::E_DEEP, OW::WBEMFlags::E_INCLUDE_QUALIFIERS,
+                             OW::WBEMFlags::E_EXCLUDE_CLASS_ORIGIN, 0, kNoClass, kNoClass);
+  };
+  struct Row { int code; int line; std::string message; std::function<void()> call; } rows[] = {
+      {5, 170, "", [&] { instances->enumInstanceNames(env, "root/cimv2", "QTX_Nope", paths, kNoClass); }},
+      {5, 273, "", [&] { enumInstances("QTX_Nope", found); }},
+      {5, 369, "", [&] {
+         instances->getInstance(env, "root/cimv2", nope, OW::WBEMFlags::E_NOT_LOCAL_ONLY,
+                                OW::WBEMFlags::E_INCLUDE_QUALIFIERS, OW::WBEMFlags::E_EXCLUDE_CLASS_ORIGIN,
+                                0, kNoClass);
+       }},
+      {5, 457, "", [&] { instances->createInstance(env, "root/cimv2", nopeInstance); }},
+      {5, 542, "", [&] { instances->deleteInstance(env, "root/cimv2", nope); }},
+      {5, 635, "", [&] {
+         instances->modifyInstance(env, "root/cimv2", nopeInstance, nopeInstance,
+                                   OW::WBEMFlags::E_EXCLUDE_QUALIFIERS, 0, kNoClass);
+       }},
+      {5, 722, "", [&] { methods->invokeMethod(env, "root/cimv2", nope, "Refresh", in, out); }},
+      {1, 157, stdPrefix + "enumInstanceNames operation on QTX_CDRService\nx\n",
+       [&] { instances->enumInstanceNames(env, "root/cimv2", "QTX_CDRService", stdNames, kNoClass); }},
+      {1, 165, otherPrefix + "enumInstanceNames operation on QTX_CDRService\n",
+       [&] { instances->enumInstanceNames(env, "root/cimv2", "QTX_CDRService", otherNames, kNoClass); }},
+      {1, 268, otherPrefix + "enumInstances operation on QTX_CDRServiceAccessBin\n",
+       [&] { enumInstances("QTX_CDRServiceAccessBin", otherInstances); }},
+      {1, 622, stdPrefix + "modifyInstance operation on QTX_CDRPushSetting\n", [&] {
+         instances->modifyInstance(env, "root/cimv2", badType, badType, OW::WBEMFlags::E_EXCLUDE_QUALIFIERS,
+                                   0, kNoClass);
+       }},
+  };
+  for (const Row& row : rows) {
+    size_t logged = log->size();
+    CIMError error = catchCIMError(row.call);
+    EXPECT_EQ(row.code, error.code) << row.line;
+    EXPECT_EQ(row.line, error.line);
+    EXPECT_EQ(kSource, error.file);
+    if (row.message.empty()) {
+      EXPECT_FALSE(error.hasMessage) << row.line;
+      EXPECT_EQ(logged, log->size()) << row.line;
+      continue;
+    }
+    // The cast failure's own text follows the class name.
+    EXPECT_EQ(row.message, error.message.substr(0, row.message.size())) << row.line;
+    ASSERT_EQ(logged + 1, log->size()) << row.line;
+    EXPECT_EQ("ERROR: " + error.message, log->back());
+  }
+
+  root.setFault("reg-read", "CDR", "CDRPush", "TransferType", 0x99);
+  CIMError error = catchCIMError([&] { enumInstances("QTX_CDRPushSetting", found); });
+  EXPECT_EQ(1, error.code);
+  EXPECT_EQ(245, error.line);
+  EXPECT_TRUE(error.hasMessage);
+  EXPECT_EQ("", error.message);
 }
 
 TEST_F(LoadedModuleTest, RegistryErrorsOfThePushSettingBecomeFailedWithAnEmptyMessage) {
@@ -263,9 +346,24 @@ TEST_F(LoadedModuleTest, HolderFunctionsForHostsWithoutTheProviderInterface) {
   testing::internal::CaptureStdout();
   EXPECT_NE(nullptr, createHolder());
   testing::internal::GetCapturedStdout();
+  // The holder registers the module's diagnostic log and deregisters it when
+  // released.
+  const uint32_t handle = *symbol<uint32_t*>("zpoHandle");
+  EXPECT_EQ(0u, ZpoDiagAddLogEntry(handle, 2, 4, -1, "probe"));
+  std::vector<std::string> lines = root.logLines("CdrOAM.log");
+  ASSERT_EQ(1u, lines.size());
+  EXPECT_NE(std::string::npos, lines[0].find(" CDROAM cat=2 level=4 id=-1 probe")) << lines[0];
   uint8_t daily = 0;
   ZpoSetRegEntryBinary("CDR", "CDRPush", "TransferType", &daily, 1);
   release();
+  EXPECT_NE(0u, ZpoDiagAddLogEntry(handle, 2, 4, -1, "after release"));
+  // Every released object has left its class.
+  baseRef = OW::IntrusiveReference<OW::CppProviderBaseIFC>(create());
+  instances = baseRef->getInstanceProvider();
+  for (const char* className : {"QTX_CDRPushSetting", "QTX_CDRPushStatistics", "QTX_CDRPullStatistics",
+                                "QTX_CDRService", "QTX_CDRServicePrefixBin", "QTX_CDRServiceAccessBin"}) {
+    EXPECT_TRUE(names(className).empty()) << className;
+  }
   restore(2);  // the push setting is gone: ignored, nothing scheduled
   EXPECT_TRUE(root.crontabLines().empty());
 }

@@ -167,6 +167,16 @@ TEST_F(PullStatisticsTest, FailedReadLeavesOnlyThatPropertyOutAndIsLogged) {
         << lines.back();
   }
   EXPECT_EQ((std::vector<uint8_t>{1}), entry("CDRPull", "Pull-IncludeMetricsFlag"));
+
+  // The failing getter itself returns 100, whatever the kind of statistic.
+  root.setFault("reg-read", "CDR", "CDRPull", "", 0x4321);
+  OW::Array<OW::CIMQualifier> q;
+  unsigned int count = 0;
+  std::string text;
+  bool flag = true;
+  EXPECT_EQ(100, statistics->getNumberOfSuccessfulTransfers(count, q));
+  EXPECT_EQ(100, statistics->getReasonForFailure(text, q));
+  EXPECT_EQ(100, statistics->getIncludeMetricsFlag(flag, q));
 }
 
 TEST_F(PullStatisticsTest, ControlCharactersOrAnEmptyTextAreWarnedAboutAndShownEmpty) {
@@ -219,6 +229,7 @@ TEST_F(PullStatisticsTest, FailedFlagWriteIsCIMFailed101AtItsFixedLine) {
 
 TEST_F(PullStatisticsTest, RefreshClearsTheStatisticsKeepsTheFlagAndCounts) {
   seedAll();
+  get();  // a client looks first; nothing read may survive the refresh
   OW::UInt32 first = invoke("Refresh").toUInt32();
   OW::UInt32 second = invoke("Refresh").toUInt32();
   EXPECT_GE(first, 1u);

@@ -16,6 +16,7 @@ namespace {
 
 namespace OW = OW_NAMESPACE;
 typedef OW::Array<OW::CIMQualifier> Qualifiers;
+typedef QTX_CDRPushSettingImpl P;
 
 const char* const kTask = " /qv/bin/CDRTransfer";
 
@@ -127,14 +128,16 @@ TEST_F(PushSettingTest, FirstReadWithoutEntriesCreatesOnlyTheTransferType) {
 TEST_F(PushSettingTest, MissingEntriesAreCreatedWithTheirDefaults) {
   setByte("TransferType", 0);
   ReadCycle cycle = readAll(*push);
-  bool flag = true;
   Qualifiers q;
-  push->getCompressFlag(flag, q);
+  for (auto getter : {&P::getDeleteFlag, &P::getCompressFlag, &P::getIncludeMetricsFlag}) {
+    bool flag = true;
+    (push.get()->*getter)(flag, q);
+    EXPECT_FALSE(flag);
+  }
 
   EXPECT_EQ("", cycle.values["IPAddress"]);
   EXPECT_EQ("00:00", cycle.values["TransferTime"]);
   EXPECT_EQ("0", cycle.values["NumRetry"]);
-  EXPECT_FALSE(flag);
   EXPECT_EQ("true", cycle.applicable["TransferTime"]);
   EXPECT_EQ("false", cycle.applicable["TransferDayOfMonth"]);
   EXPECT_EQ("untouched", cycle.values["TransferDayOfWeek"]);
@@ -142,7 +145,9 @@ TEST_F(PushSettingTest, MissingEntriesAreCreatedWithTheirDefaults) {
   EXPECT_EQ("", text("DestFolder"));
   EXPECT_EQ("00:00", text("TranTime"));
   EXPECT_EQ((std::vector<uint8_t>{0}), byteEntry("NumRetry"));
-  EXPECT_EQ((std::vector<uint8_t>{0}), byteEntry("CompressFlag"));
+  for (const char* key : {"DeleteFlag", "CompressFlag", "IncludeMetricsFlag"}) {
+    EXPECT_EQ((std::vector<uint8_t>{0}), byteEntry(key)) << key;
+  }
   EXPECT_FALSE(has("TranDateOfMonth"));
   EXPECT_TRUE(entries().empty());
 
@@ -157,8 +162,12 @@ TEST_F(PushSettingTest, ControlCharactersReadAsTheDefaultAndAreReported) {
   struct Row { uint8_t type; const char* key; const char* property; const char* stored; const char* read; }
   rows[] = {
       {0, "IpAddr", "IPAddress", "10.0.0.1\t", ""},
+      {0, "UserName", "UserName", "bob\n", ""},
+      {0, "Password", "Password", "\x7f", ""},
+      {0, "DestFolder", "DestFolder", "/cdr\x1b", ""},
       {0, "TranTime", "TransferTime", "10:\x01" "00", "00:00"},
       {2, "TranDateOfMonth", "TransferDayOfMonth", "1\r", ""},
+      {1, "TranDateOfWeek", "TransferDayOfWeek", "\x02" "3", ""},
   };
   for (const Row& row : rows) {
     setByte("TransferType", row.type);
@@ -171,45 +180,137 @@ TEST_F(PushSettingTest, ControlCharactersReadAsTheDefaultAndAreReported) {
   }
 }
 
+// Every setting: its registry key, the transfer type under which it
+// applies, a value written through its setter and read back, and what its
+// getter leaves after a failed read.
+struct Setting {
+  const char* property;
+  const char* key;
+  bool isText;
+  uint8_t type;
+  std::function<int(QTX_CDRPushSettingImpl&)> write;
+  std::function<std::string(const QTX_CDRPushSettingImpl&)> read;  // "threw <value>" on CFG_ReadError
+  const char* written;
+  const char* afterFailedRead;
+};
+
+template <class T>
+std::function<int(QTX_CDRPushSettingImpl&)> writing(int (QTX_CDRPushSettingImpl::*setter)(T), T value) {
+  return [=](QTX_CDRPushSettingImpl& push) { return (push.*setter)(value); };
+}
+template <class T>
+std::function<std::string(const QTX_CDRPushSettingImpl&)> reading(
+    int (QTX_CDRPushSettingImpl::*getter)(T&, Qualifiers&) const, T start) {
+  return [=](const QTX_CDRPushSettingImpl& push) {
+    T value = start;
+    Qualifiers q;
+    try {
+      EXPECT_EQ(0, (push.*getter)(value, q));
+    } catch (const CFG_ReadError&) {
+      return "threw " + shown(value);
+    }
+    return shown(value);
+  };
+}
+
+const Setting kSettings[] = {
+    {"TransferType", "TransferType", false, 0, writing(&P::setTransferType, (unsigned char)1),
+     reading(&P::getTransferType, (unsigned char)0xEE), "1", "threw 4"},
+    {"IPAddress", "IpAddr", true, 0, writing(&P::setIPAddress, std::string("10.0.0.1")),
+     reading(&P::getIPAddress, std::string("x")), "10.0.0.1", "threw "},
+    {"UserName", "UserName", true, 0, writing(&P::setUserName, std::string("bob")),
+     reading(&P::getUserName, std::string("x")), "bob", "threw "},
+    {"Password", "Password", true, 0, writing(&P::setPassword, std::string("secret")),
+     reading(&P::getPassword, std::string("x")), "secret", "threw "},
+    {"DestFolder", "DestFolder", true, 0, writing(&P::setDestFolder, std::string("/cdr/out")),
+     reading(&P::getDestFolder, std::string("x")), "/cdr/out", "threw "},
+    {"NumRetry", "NumRetry", false, 0, writing(&P::setNumRetry, 5u), reading(&P::getNumRetry, 7u), "5",
+     "threw 1"},
+    {"DeleteFlag", "DeleteFlag", false, 0, writing(&P::setDeleteFlag, true),
+     reading(&P::getDeleteFlag, true), "1", "threw 0"},
+    {"CompressFlag", "CompressFlag", false, 0, writing(&P::setCompressFlag, true),
+     reading(&P::getCompressFlag, true), "1", "threw 0"},
+    {"IncludeMetricsFlag", "IncludeMetricsFlag", false, 0, writing(&P::setIncludeMetricsFlag, true),
+     reading(&P::getIncludeMetricsFlag, true), "1", "threw 0"},
+    {"TransferTime", "TranTime", true, 0, writing(&P::setTransferTime, std::string("7:05")),
+     reading(&P::getTransferTime, std::string("x")), "7:05", "threw "},
+    {"TransferDayOfMonth", "TranDateOfMonth", true, 2, writing(&P::setTransferDayOfMonth, std::string("15")),
+     reading(&P::getTransferDayOfMonth, std::string("x")), "15", "threw "},
+    {"TransferDayOfWeek", "TranDateOfWeek", true, 1, writing(&P::setTransferDayOfWeek, std::string("3")),
+     reading(&P::getTransferDayOfWeek, std::string("x")), "3", "threw "},
+};
+
+TEST_F(PushSettingTest, EverySettingIsStoredUnderItsKeyAndReadBack) {
+  for (const Setting& s : kSettings) {
+    setByte("TransferType", s.type);
+    transferType();
+    EXPECT_EQ(0, s.write(*push)) << s.property;
+    std::vector<uint8_t> bytes = byteEntry(s.key);
+    EXPECT_EQ(s.written, s.isText ? text(s.key) : bytes.empty() ? "<absent>" : std::to_string(bytes[0]))
+        << s.property;
+    EXPECT_EQ(s.written, s.read(*push)) << s.property;
+  }
+  // A flag set false is stored as 0.
+  for (auto setter : {&P::setDeleteFlag, &P::setCompressFlag, &P::setIncludeMetricsFlag}) {
+    EXPECT_EQ(0, (push.get()->*setter)(false));
+  }
+  for (const char* key : {"DeleteFlag", "CompressFlag", "IncludeMetricsFlag"}) {
+    EXPECT_EQ((std::vector<uint8_t>{0}), byteEntry(key)) << key;
+  }
+}
+
 TEST_F(PushSettingTest, FailedReadsAreLoggedGiveTheirFallbackAndThrow) {
-  setByte("TransferType", 0);
-  setByte("NumRetry", 3);
-  setByte("DeleteFlag", 1);
-  setText("IpAddr", "10.0.0.1");
   const uint32_t kFault = 0x200011;
-  root.setFault("reg-read", "CDR", "CDRPush", "NumRetry", kFault);
-  root.setFault("reg-read", "CDR", "CDRPush", "DeleteFlag", kFault);
-  root.setFault("reg-read", "CDR", "CDRPush", "IpAddr", kFault);
+  std::vector<std::string> expected;
+  for (const Setting& s : kSettings) {
+    setByte("TransferType", s.type);
+    transferType();
+    s.write(*push);
+    root.setFault("reg-read", "CDR", "CDRPush", s.key, kFault);
+    EXPECT_EQ(s.afterFailedRead, s.read(*push)) << s.property;
+    root.clearFaults();
+    expected.push_back(std::string("4 get") + s.property + " error = 2097169");
+    // Nothing is written back.
+    EXPECT_EQ(s.written, s.read(*push)) << s.property;
+  }
+  std::vector<std::string> failures;
+  for (const std::string& line : entries()) {
+    if (line.find(" error = ") != std::string::npos) failures.push_back(line);
+  }
+  EXPECT_EQ(expected, failures);
+}
+
+TEST_F(PushSettingTest, FailedWritesAreLoggedAndThrow) {
+  root.setFault("reg-write", "CDR", "CDRPush", "", 0x200011);
+  std::vector<std::string> expected;
+  for (const Setting& s : kSettings) {
+    EXPECT_THROW(s.write(*push), CFG_WriteError) << s.property;
+    // A refused transfer type is logged at the schedule's failure level.
+    expected.push_back((std::string(s.key) == "TransferType" ? "1 set" : "4 set") + std::string(s.property) +
+                       " error = 2097169");
+  }
+  EXPECT_EQ(expected, entries());
+  EXPECT_TRUE(root.crontabLines().empty());  // a refused write arms nothing
+}
+
+// Texts are read into a 512-byte buffer: a longer stored text is a failed read.
+TEST_F(PushSettingTest, TextsAreReadIntoTheir512ByteBuffer) {
+  setByte("TransferType", 0);
   transferType();
   Qualifiers q;
-  unsigned int retries = 0;
-  EXPECT_THROW(push->getNumRetry(retries, q), CFG_ReadError);
-  EXPECT_EQ(1u, retries);
-  bool flag = true;
-  EXPECT_THROW(push->getDeleteFlag(flag, q), CFG_ReadError);
-  EXPECT_FALSE(flag);
-  std::string address = "before";
-  EXPECT_THROW(push->getIPAddress(address, q), CFG_ReadError);
-  EXPECT_EQ("", address);
-
-  root.setFault("reg-read", "CDR", "CDRPush", "TransferType", kFault);
-  unsigned char type = 0;
-  EXPECT_THROW(push->getTransferType(type, q), CFG_ReadError);
-  EXPECT_EQ(4, type);
-  root.clearFaults();
-  EXPECT_EQ((std::vector<std::string>{"4 getNumRetry error = 2097169",
-                                      "4 getDeleteFlag error = 2097169",
-                                      "4 getIPAddress error = 2097169",
-                                      "4 getTransferType error = 2097169"}),
-            entries());
-  EXPECT_EQ((std::vector<uint8_t>{0}), byteEntry("TransferType"));  // nothing written back
+  std::string value;
+  setText("DestFolder", std::string(511, 'd').c_str());
+  EXPECT_EQ(0, push->getDestFolder(value, q));
+  EXPECT_EQ(std::string(511, 'd'), value);
+  setText("DestFolder", std::string(512, 'd').c_str());
+  EXPECT_THROW(push->getDestFolder(value, q), CFG_ReadError);
 }
 
 // ---- Writing -----------------------------------------------------------------
 
 TEST_F(PushSettingTest, TransferTimeAcceptsHourAndMinuteInRangeStoredAsGiven) {
   struct Row { const char* time; int status; } rows[] = {
-      {"7:5", 0}, {"00:00", 0}, {"23:59", 0}, {"0:0", 0}, {"", 0},
+      {"7:5", 0}, {"00:00", 0}, {"23:59", 0}, {"0:0", 0}, {"", 0}, {"10:20:30", 0}, {"7::5", 0},
       {"24:00", 301}, {"12:60", 301}, {"ab:10", 301}, {"12:x", 301}, {"000", 301},
       {"-1:10", 301}};
   for (const Row& row : rows) {
@@ -220,6 +321,9 @@ TEST_F(PushSettingTest, TransferTimeAcceptsHourAndMinuteInRangeStoredAsGiven) {
 }
 
 TEST_F(PushSettingTest, DaysAreValidatedByTheirLeadingNumberAndStoredAsGiven) {
+  // Nothing read yet: the first arming runs daily at midnight.
+  EXPECT_EQ(0, push->setTransferDayOfWeek("3"));
+  EXPECT_EQ((std::vector<std::string>{std::string("0 0 * * *") + kTask}), root.crontabLines());
   struct Row { bool month; const char* day; int status; } rows[] = {
       {true, "1", 0}, {true, "31", 0}, {true, "15th", 0}, {true, "0", 301}, {true, "32", 301},
       {true, "", 301}, {false, "0", 0}, {false, "6", 0}, {false, "7", 301}, {false, "-1", 301}};
@@ -239,22 +343,6 @@ TEST_F(PushSettingTest, NumRetryKeepsOnlyItsLowByte) {
   EXPECT_EQ("44", readAll(*push).values["NumRetry"]);
   setByte("NumRetry", 0xFF);
   EXPECT_EQ("255", readAll(*push).values["NumRetry"]);
-}
-
-TEST_F(PushSettingTest, FailedWritesAreLoggedAndThrow) {
-  const uint32_t kFault = 0x200011;
-  root.setFault("reg-write", "CDR", "CDRPush", "", kFault);
-  EXPECT_THROW(push->setIPAddress("10.0.0.1"), CFG_WriteError);
-  EXPECT_THROW(push->setNumRetry(3), CFG_WriteError);
-  EXPECT_THROW(push->setTransferTime("10:00"), CFG_WriteError);
-  EXPECT_THROW(push->setTransferDayOfWeek("2"), CFG_WriteError);
-  EXPECT_THROW(push->setTransferType(0), CFG_WriteError);
-  EXPECT_EQ((std::vector<std::string>{"4 setIPAddress error = 2097169", "4 setNumRetry error = 2097169",
-                                      "4 setTransferTime error = 2097169",
-                                      "4 setTransferDayOfWeek error = 2097169",
-                                      "1 setTransferType error = 2097169"}),
-            entries());
-  EXPECT_TRUE(root.crontabLines().empty());  // a refused write arms nothing
 }
 
 // ---- The schedule ------------------------------------------------------------
@@ -369,6 +457,42 @@ TEST_F(PushSettingTest, RestoreReArmsTheScheduleFromTheRestoredSettings) {
            entries().back() == "4 CDR: push task scheduled successfully, PUSH_WEEKLY: DayOfWeek=3, Time=08:30 ";
   }));
   EXPECT_EQ(1, transferType());
+}
+
+// After a restore the restored type decides: 0-2 re-arm from the restored
+// time and day (a missing day is created empty, a missing time as "00:00"),
+// 3 and 4 remove the scheduled run. Only the type's own day is touched.
+TEST_F(PushSettingTest, RestoreArmsOrRemovesByTheRestoredType) {
+  struct Row { uint8_t type; const char* time; const char* day; const char* cron; } rows[] = {
+      {3, nullptr, nullptr, nullptr},
+      {4, nullptr, nullptr, nullptr},
+      {0, nullptr, nullptr, "0 0 * * *"},
+      {2, "8:30", "12", "30 8 12 * *"},
+      {1, nullptr, nullptr, "30 8 * * 7"},
+  };
+  for (const Row& row : rows) {
+    addStaleTask(1, 0);
+    setByte("TransferType", row.type);
+    if (row.time) setText("TranTime", row.time);
+    if (row.day) setText("TranDateOfMonth", row.day);
+    EXPECT_EQ(0, push->RestoreCallBackHdlr(2)) << int(row.type);
+    std::vector<std::string> expected;
+    if (row.cron) expected.push_back(std::string(row.cron) + kTask);
+    EXPECT_EQ(expected, root.crontabLines()) << int(row.type);
+    EXPECT_EQ(row.type, transferType());
+    if (row.type >= 3) {
+      EXPECT_FALSE(has("TranTime"));
+    } else if (row.type == 0) {
+      EXPECT_EQ("00:00", text("TranTime"));
+      EXPECT_FALSE(has("TranDateOfMonth"));
+      EXPECT_FALSE(has("TranDateOfWeek"));
+    } else if (row.type == 2) {
+      EXPECT_FALSE(has("TranDateOfWeek"));
+    } else {
+      EXPECT_EQ("", text("TranDateOfWeek"));
+    }
+    if (row.cron) push->removePushSchedule();
+  }
 }
 
 TEST_F(PushSettingTest, RestoreWithoutTransferTypeReturnsTheReadStatusAndKeepsTheTask) {

@@ -97,6 +97,7 @@ TEST_F(ServiceProviderTest, ReportTypeValidValuesFollowTheFormatReadBeforeIt) {
   EXPECT_EQ("0,1", qualifierText(instance, "ReportType", "ValidValueMap"));
   OW::CIMQualifier q = instance.getProperty("ReportType").getQualifier("ValidValueMap");
   EXPECT_EQ("string", std::string(q.getDefaults().getName().c_str()));
+  EXPECT_EQ(OW::CIMDataType::STRING, q.getDefaults().getDataType().getType());
   EXPECT_EQ(OW::CIMDataType::UINT32, q.getValue().getType());
   EXPECT_TRUE(q.getValue().isArray());
 }
@@ -161,12 +162,16 @@ TEST_F(ServiceProviderTest, ModifyStopsAtTheFirstRefusalKeepingWhatCameBefore) {
 
 TEST_F(ServiceProviderTest, EverySuccessfulSetNotifiesAndNarrowsToItsEntry) {
   zpotest::TempZpoRoot::Queue queue = root.createQueue("CDRService");
+  testing::internal::CaptureStdout();
   CIMError error = modify({{"ClipFileSize_100K", OW::CIMValue(OW::UInt32(300))},
                            {"CallFilterDuration", OW::CIMValue(OW::UInt32(256))},
                            {"AnswerSupervision", OW::CIMValue(true)},
                            {"Unknown", OW::CIMValue(OW::UInt8(1))},
                            {"Language", OW::CIMValue(OW::CIMNULL)},
                            {"Name", OW::CIMValue(OW::String("other"))}});
+  fflush(stdout);
+  const std::string sent = "After notifyCDRService()############################## \n";
+  EXPECT_EQ(sent + sent + sent, testing::internal::GetCapturedStdout());
   EXPECT_FALSE(error.thrown);
   EXPECT_EQ((std::vector<uint8_t>{44}), entry("CDRService", "FILESIZE"));
   EXPECT_EQ((std::vector<uint8_t>{0}), entry("CDRService", "TIME"));
@@ -176,16 +181,88 @@ TEST_F(ServiceProviderTest, EverySuccessfulSetNotifiesAndNarrowsToItsEntry) {
   EXPECT_EQ("0", propertyText(get(), "CallFilterDuration"));
 }
 
-TEST_F(ServiceProviderTest, FailedWriteIsCIMFailedWithTheStatusAndNoNotification) {
+// Every setting: a value a client writes, the entry it lands in and the
+// bytes stored there (DISKLIMIT is an integer entry).
+struct Setting { const char* property; OW::CIMValue value; const char* key; std::vector<uint8_t> bytes; };
+std::vector<Setting> settings() {
+  return {{"Format", OW::CIMValue(OW::UInt8(2)), "FORMAT", {2}},
+          {"ReportType", OW::CIMValue(OW::UInt8(3)), "TYPE", {3}},
+          {"Language", OW::CIMValue(OW::UInt8(4)), "LANG", {4}},
+          {"ReportFilter", OW::CIMValue(OW::UInt8(5)), "FILTER", {5}},
+          {"FeatureCode", OW::CIMValue(OW::String("42")), "FEATURE CODE", {0xF9, 0x42}},
+          {"DateFormat", OW::CIMValue(OW::UInt8(6)), "DATE", {6}},
+          {"HeaderFormat", OW::CIMValue(OW::UInt8(7)), "HEADER", {7}},
+          {"DNISInfo", OW::CIMValue(true), "DNIS", {1}},
+          {"ConnectChar", OW::CIMValue(OW::UInt8(8)), "CONNECT", {8}},
+          {"DigitsSuppress", OW::CIMValue(OW::UInt8(9)), "DIGITSSUPP", {9}},
+          {"DigitsLimit", OW::CIMValue(OW::UInt16(20)), "DIGITSLIMIT", {0, 20}},
+          {"ClipFileSchedule", OW::CIMValue(OW::UInt8(10)), "SCHEDULE", {10}},
+          {"ClipFileSize_100K", OW::CIMValue(OW::UInt32(11)), "FILESIZE", {11}},
+          {"CDRDiskSpaceLimit_MB", OW::CIMValue(OW::UInt32(70000)), "DISKLIMIT", {}},
+          {"CLIDWithName", OW::CIMValue(true), "NAME", {1}},
+          {"LongCLIDSupport", OW::CIMValue(true), "LONGID", {1}},
+          {"CLIDWithCallType", OW::CIMValue(true), "CALLTYPE", {1}},
+          {"SupportCallCharge", OW::CIMValue(true), "CHARGE", {1}},
+          {"AnswerSupervision", OW::CIMValue(true), "SUPERVISE", {1}},
+          {"CallFilterDuration", OW::CIMValue(OW::UInt32(12)), "TIME", {12}},
+          {"HospitalityRecords", OW::CIMValue(true), "HOSPITAL", {1}}};
+}
+
+TEST_F(ServiceProviderTest, EverySettingIsWrittenToItsEntryAndReadBack) {
+  std::vector<std::pair<const char*, OW::CIMValue>> all;
+  for (const Setting& s : settings()) all.push_back({s.property, s.value});
+  EXPECT_FALSE(modify(all).thrown);
+  testing::internal::CaptureStdout();
+  OW::CIMInstance instance = get();
+  testing::internal::GetCapturedStdout();
+  for (const Setting& s : settings()) {
+    if (s.bytes.empty()) {
+      uint32_t stored = 0;
+      EXPECT_EQ(0u, ZpoGetRegEntryInt("CDR", "CDRService", s.key, &stored));
+      EXPECT_EQ(70000u, stored);
+    } else {
+      EXPECT_EQ(s.bytes, entry("CDRService", s.key)) << s.property;
+    }
+    EXPECT_EQ(std::string(s.value.toString().c_str()), propertyText(instance, s.property)) << s.property;
+  }
+}
+
+// A failed read leaves the property out (its getter returns 100); a failed
+// write is CIM error 1 with the setter's status 101 and notifies nothing.
+// Both are logged under the accessor's name.
+TEST_F(ServiceProviderTest, FailedReadsAndWritesAreLoggedUnderTheAccessorsName) {
   zpotest::TempZpoRoot::Queue queue = root.createQueue("CDRService");
-  root.setFault("reg-write", "CDR", "CDRService", "DIGITSLIMIT", 77);
-  CIMError error = modify({{"DigitsLimit", OW::CIMValue(OW::UInt16(10))}});
-  EXPECT_EQ(1, error.code);
-  EXPECT_EQ("101", error.message);
-  EXPECT_EQ(QTX_CDRServiceProviderLines.setterFailed, error.line);
+  root.setFault("reg-read", "CDR", "CDRService", "", 77);
+  testing::internal::CaptureStdout();
+  OW::CIMInstance instance = get();
+  testing::internal::GetCapturedStdout();
+  EXPECT_EQ(4u, instance.getProperties().size());  // the keys
+  OW::Array<OW::CIMQualifier> q;
+#define QTX_CDRSERVICE_TEST_STATUS(N, T) \
+  {                                      \
+    T value{};                           \
+    EXPECT_EQ(100, service->get##N(value, q)) << #N; \
+  }
+  testing::internal::CaptureStdout();
+  QTX_CDRSERVICE_PROPERTIES(QTX_CDRSERVICE_TEST_STATUS)
+  testing::internal::GetCapturedStdout();
+#undef QTX_CDRSERVICE_TEST_STATUS
+  root.clearFaults();
+  root.setFault("reg-write", "CDR", "CDRService", "", 78);
+  std::vector<std::string> expected;
+  for (const Setting& s : settings()) expected.push_back(std::string("get") + s.property + " error = 77");
+  for (const Setting& s : settings()) expected.push_back(std::string("get") + s.property + " error = 77");
+  for (const Setting& s : settings()) {
+    CIMError error = modify({{s.property, s.value}});
+    EXPECT_EQ(1, error.code) << s.property;
+    EXPECT_EQ("101", error.message) << s.property;
+    EXPECT_EQ(QTX_CDRServiceProviderLines.setterFailed, error.line);
+    expected.push_back(std::string("set") + s.property + " error = 78");
+  }
   EXPECT_TRUE(queue.drain().empty());
-  ASSERT_FALSE(log().empty());
-  EXPECT_NE(std::string::npos, log().back().find("level=4 id=-1 setDigitsLimit error = 77"));
+  std::vector<std::string> lines = log();
+  for (std::string& line : lines) line = line.substr(line.find(" CDROAM cat=2 level=4 id=-1 ") + 28);
+  EXPECT_EQ(expected, lines);
 }
 
 TEST_F(ServiceProviderTest, SendFailureIsLoggedButTheSetStillSucceeds) {
@@ -196,6 +273,13 @@ TEST_F(ServiceProviderTest, SendFailureIsLoggedButTheSetStillSucceeds) {
   ASSERT_FALSE(log().empty());
   EXPECT_NE(std::string::npos,
             log().back().find("level=1 id=-1 Notifying CDRService QueueSend failed rc =30002"));
+  // A service that went away is still addressed, and that failure is logged too.
+  root.clearFaults();
+  root.removeQueue("CDRService");
+  size_t before = log().size();
+  EXPECT_FALSE(modify({{"Language", OW::CIMValue(OW::UInt8(3))}}).thrown);
+  ASSERT_EQ(before + 1, log().size());
+  EXPECT_NE(std::string::npos, log().back().find("level=1 id=-1 Notifying CDRService QueueSend failed rc ="));
 }
 
 TEST_F(ServiceProviderTest, WithoutAQueueSettersSucceedSilently) {
