@@ -198,22 +198,22 @@ bool isKey(const InstanceName& name, const std::string& property) {
 
 // --- show --------------------------------------------------------------------
 
-json typedValue(const PropertySpec& spec, const CimValue& value) {
+json typedValue(const PropertySpec& def, const CimValue& value) {
     if (value.isNull) return nullptr;
     const std::string& text = value.text();
-    std::string type = spec.cimType;
+    std::string type = def.cimType;
     if (type == "boolean") return text == "true" || text == "TRUE";
     if (type.rfind("uint", 0) == 0 && !text.empty() && std::all_of(text.begin(), text.end(), ::isdigit))
         return std::stoull(text);
     return text;
 }
 
-std::string shownValue(const PropertySpec& spec, const CimProperty& property, bool showSecrets) {
+std::string shownValue(const PropertySpec& def, const CimProperty& property, bool showSecrets) {
     if (property.value.isNull) return "(null)";
     std::string text = property.value.text();
-    if (spec.secret && !showSecrets && !text.empty()) return "******** (--show-secrets shows it)";
-    if (spec.rule == Rule::TransferType) return text + " (" + transferTypeMeaning(text) + ")";
-    if (std::string(spec.cimType) == "string" && text.empty()) return "\"\"";
+    if (def.secret && !showSecrets && !text.empty()) return "******** (--show-secrets shows it)";
+    if (def.rule == Rule::TransferType) return text + " (" + transferTypeMeaning(text) + ")";
+    if (std::string(def.cimType) == "string" && text.empty()) return "\"\"";
     if (const CimQualifier* valid = property.qualifier("ValidValueMap")) {
         std::string list;
         for (const std::string& item : valid->value.elements) list += (list.empty() ? "" : ", ") + item;
@@ -233,25 +233,25 @@ struct ShownInstance {
 ShownInstance showInstance(const ObjectSpec& object, const InstanceName& name, const Instance& instance,
                            bool showSecrets) {
     ShownInstance shown{name, {}, json::object(), json::array(), json::array()};
-    for (const PropertySpec& spec : object.properties) {
-        if (isKey(name, spec.name)) continue;
-        const CimProperty* property = instance.property(spec.name);
+    for (const PropertySpec& def : object.properties) {
+        if (isKey(name, def.name)) continue;
+        const CimProperty* property = instance.property(def.name);
         std::string cell;
         if (!property) {
             cell = "could not be read";
-            shown.unreadable.push_back(spec.name);
-            shown.properties[spec.name] = nullptr;
+            shown.unreadable.push_back(def.name);
+            shown.properties[def.name] = nullptr;
         } else if (!property->applicable()) {
             cell = "not applicable";
-            shown.notApplicable.push_back(spec.name);
-            shown.properties[spec.name] = nullptr;
+            shown.notApplicable.push_back(def.name);
+            shown.properties[def.name] = nullptr;
         } else {
-            cell = shownValue(spec, *property, showSecrets);
-            shown.properties[spec.name] =
-                spec.secret && !showSecrets && !property->value.text().empty() ? json("********")
-                                                                              : typedValue(spec, property->value);
+            cell = shownValue(def, *property, showSecrets);
+            shown.properties[def.name] =
+                def.secret && !showSecrets && !property->value.text().empty() ? json("********")
+                                                                              : typedValue(def, property->value);
         }
-        shown.cells.emplace_back(&spec, cell);
+        shown.cells.emplace_back(&def, cell);
     }
     return shown;
 }
@@ -267,8 +267,8 @@ void printTable(const ObjectSpec& object, const std::vector<ShownInstance>& inst
             for (const KeyBinding& key : shown.name.keys) std::cout << "  " << key.name << " = " << key.text << "\n";
             size_t width = 0;
             for (const auto& cell : shown.cells) width = std::max(width, std::strlen(cell.first->name));
-            for (const auto& [spec, text] : shown.cells) {
-                std::cout << "  " << spec->name << std::string(width - std::strlen(spec->name) + 2, ' ') << text
+            for (const auto& [def, text] : shown.cells) {
+                std::cout << "  " << def->name << std::string(width - std::strlen(def->name) + 2, ' ') << text
                           << "\n";
             }
         }
@@ -331,14 +331,14 @@ int showCommand(Session& session, const std::string& objectName) {
 // --- set ---------------------------------------------------------------------
 
 struct Assignment {
-    const PropertySpec* spec;
+    const PropertySpec* def;
     size_t tableIndex;
     std::string value;  // as sent
 };
 
 std::string shownAssignment(const Assignment& assignment, bool showSecrets) {
-    return std::string(assignment.spec->name) + "=" +
-           (assignment.spec->secret && !showSecrets ? std::string("********") : assignment.value);
+    return std::string(assignment.def->name) + "=" +
+           (assignment.def->secret && !showSecrets ? std::string("********") : assignment.value);
 }
 
 // A transfer type that arms a schedule on a day needs that day: while the
@@ -355,7 +355,7 @@ void checkDependencies(Session& session, const ObjectSpec& object, const Instanc
                        const std::vector<Assignment>& assignments) {
     auto given = [&](const char* property) -> const Assignment* {
         for (const Assignment& a : assignments)
-            if (std::string(a.spec->name) == property) return &a;
+            if (std::string(a.def->name) == property) return &a;
         return nullptr;
     };
     const Assignment* type = given("TransferType");
@@ -383,8 +383,8 @@ int setCommand(Session& session, const std::string& objectName, std::optional<in
         if (equals == std::string::npos || equals == 0)
             throw CommandFailure{kUsage, "\"" + text + "\" is not of the form NAME=VALUE", {}};
         std::string name = text.substr(0, equals);
-        const PropertySpec* spec = findProperty(object, name);
-        if (!spec) {
+        const PropertySpec* def = findProperty(object, name);
+        if (!def) {
             std::string writable;
             for (const PropertySpec& p : object.properties)
                 if (p.rule != Rule::None) writable += (writable.empty() ? "" : ", ") + std::string(p.name);
@@ -393,10 +393,10 @@ int setCommand(Session& session, const std::string& objectName, std::optional<in
                                  {}};
         }
         for (const Assignment& a : assignments)
-            if (a.spec == spec) throw CommandFailure{kUsage, std::string(spec->name) + " is given twice", {}};
+            if (a.def == def) throw CommandFailure{kUsage, std::string(def->name) + " is given twice", {}};
         try {
-            assignments.push_back({spec, static_cast<size_t>(spec - object.properties.data()),
-                                   checkedValue(*spec, text.substr(equals + 1))});
+            assignments.push_back({def, static_cast<size_t>(def - object.properties.data()),
+                                   checkedValue(*def, text.substr(equals + 1))});
         } catch (const ValueRefused& reason) {
             refused.push_back(reason);
         }
@@ -420,7 +420,7 @@ int setCommand(Session& session, const std::string& objectName, std::optional<in
         throw refuse({reason});
     }
     std::stable_sort(assignments.begin(), assignments.end(), [](const Assignment& a, const Assignment& b) {
-        return a.spec->writeRank != b.spec->writeRank ? a.spec->writeRank < b.spec->writeRank
+        return a.def->writeRank != b.def->writeRank ? a.def->writeRank < b.def->writeRank
                                                       : a.tableIndex < b.tableIndex;
     });
 
@@ -433,7 +433,7 @@ int setCommand(Session& session, const std::string& objectName, std::optional<in
         const Assignment& a = assignments[i];
         try {
             session([&](CimClient& client) {
-                client.modifyInstance(name, {{a.spec->name, a.spec->cimType, CimValue::scalar(a.value), {}}});
+                client.modifyInstance(name, {{a.def->name, a.def->cimType, CimValue::scalar(a.value), {}}});
                 return 0;
             });
         } catch (const std::exception& error) {
@@ -442,7 +442,7 @@ int setCommand(Session& session, const std::string& objectName, std::optional<in
             json notWritten = json::array();
             std::string notWrittenText;
             for (size_t j = i + 1; j < assignments.size(); ++j) {
-                notWritten.push_back(assignments[j].spec->name);
+                notWritten.push_back(assignments[j].def->name);
                 notWrittenText += (notWrittenText.empty() ? "" : ", ") + shownAssignment(assignments[j], showSecrets);
             }
             failure.message = std::string(object.name) + ": " + shownAssignment(a, showSecrets) +
@@ -454,11 +454,11 @@ int setCommand(Session& session, const std::string& objectName, std::optional<in
                               {"cause", failure.detail},
                               {"object", object.name},
                               {"written", written},
-                              {"failed", a.spec->name},
+                              {"failed", a.def->name},
                               {"notWritten", notWritten}};
             throw failure;
         }
-        written.push_back(a.spec->name);
+        written.push_back(a.def->name);
         writtenText += (writtenText.empty() ? "" : ", ") + shownAssignment(a, showSecrets);
     }
     if (session.options().json) {

@@ -235,10 +235,10 @@ const std::vector<OperationSpec>& operationSpecs() {
 // Reads every parameter in request order, as the object manager does before
 // it runs the operation: an unknown one, one of the wrong form and a missing
 // required one are CIM_ERR_INVALID_PARAMETER.
-void checkParameters(const CimRequest& request, const OperationSpec& spec) {
+void checkParameters(const CimRequest& request, const OperationSpec& signature) {
     for (const auto& [name, node] : request.intrinsicParams) {
         const ParamSpec* param = nullptr;
-        for (const ParamSpec& candidate : spec.params) {
+        for (const ParamSpec& candidate : signature.params) {
             if (namesEqual(candidate.name, name)) param = &candidate;
         }
         if (!param) throwCim(CIMException::INVALID_PARAMETER, "Parameter " + name + " is not a valid parameter");
@@ -258,7 +258,7 @@ void checkParameters(const CimRequest& request, const OperationSpec& spec) {
             case ParamKind::Value: request.valueParam(name); break;
         }
     }
-    for (const ParamSpec& param : spec.params) {
+    for (const ParamSpec& param : signature.params) {
         if (param.required && !request.hasParam(param.name)) missingParameter(param.name);
     }
 }
@@ -272,14 +272,14 @@ void OperationDispatcher::checkNameSpace(const std::string& nameSpace) const {
 void OperationDispatcher::runIntrinsic(const CimRequest& request, Context& context, XmlWriter& xml) {
     // Operation names are matched ignoring case; the parameters are read
     // before the namespace is looked at.
-    const OperationSpec* spec = nullptr;
+    const OperationSpec* signature = nullptr;
     for (const OperationSpec& candidate : operationSpecs()) {
-        if (namesEqual(candidate.name, request.methodName)) spec = &candidate;
+        if (namesEqual(candidate.name, request.methodName)) signature = &candidate;
     }
-    if (!spec) throwCim(CIMException::NOT_SUPPORTED, "");
-    checkParameters(request, *spec);
+    if (!signature) throwCim(CIMException::NOT_SUPPORTED, "");
+    checkParameters(request, *signature);
     checkNameSpace(request.nameSpace);
-    const std::string op = spec->name;
+    const std::string op = signature->name;
     if (op == "EnumerateClassNames") enumerateClassNames(request, xml);
     else if (op == "EnumerateClasses") enumerateClasses(request, xml);
     else if (op == "GetClass") getClass(request, context, xml);
