@@ -48,10 +48,11 @@ struct ServerAddress {
 CimAnswer post(const ServerAddress& server, const CimCall& call) {
     httplib::Client http(server.schemeHostPort);
     http.set_keep_alive(false);
+    http.set_connection_timeout(10, 0);
     http.set_read_timeout(30, 0);
     if (!server.user.empty()) http.set_basic_auth(server.user, server.password);
     httplib::Headers headers = {{"CIMOperation", "MethodCall"}, {"CIMMethod", call.method},
-                                {"CIMProtocolVersion", "1.0"}};
+                                {"CIMProtocolVersion", "1.0"}, {"Accept", "application/xml"}};
     auto result = http.Post("/cimom", headers, call.body, "application/xml; charset=utf-8");
     if (!result) return {};
     return readAnswer(result->status, result->body);
@@ -134,9 +135,16 @@ CimCall getRow(int row) { return getInstance("QTX_CDRServicePrefixBin", rowKeys(
 
 class ConcurrentRequests : public ::testing::Test {
 protected:
+    // With CDR_E2E_URL set, the object manager and state directory named
+    // there (HostProcess.hpp), else cimhost started here.
     void SetUp() override {
-        setenv("ZPO_ROOT", state.path().c_str(), 1);
+        const ExternalServer* external = externalServer();
+        setenv("ZPO_ROOT", external ? external->zpoRoot.c_str() : state.path().c_str(), 1);
         for (const std::string& entry : deviceSeed()) ASSERT_EQ(zpo("reg " + entry).exitCode, 0) << entry;
+        if (external) {
+            url = external->url + "/root/cimv2";
+            return;
+        }
         host = std::make_unique<HostProcess>(CIMHOST_BINARY,
                                              std::vector<std::string>{"--provider", CDR_PROVIDER, "--mof", CDR_MOF},
                                              state.file("host.log"));
