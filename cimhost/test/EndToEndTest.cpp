@@ -279,7 +279,9 @@ TEST_F(CdrHost, EmptyDateTimeIsWrittenAsOpenWbem30WritesIt) {
 
 // owcimomd converts each property of a modified instance to the class's
 // type before the module sees it; a value that does not convert is its
-// CIM_ERR_FAILED, and nothing is written.
+// CIM_ERR_FAILED, and nothing is written. The PropertyList names the keys
+// too: 3.2 keeps only the listed properties, and the module finds the
+// object by its key properties.
 TEST_F(CdrHost, ModifiedValuesAreConvertedToTheClassTypes) {
     std::string before = zpo("reg list").out;
     auto modify = [&](const std::string& type, const std::string& value) {
@@ -291,8 +293,9 @@ TEST_F(CdrHost, ModifiedValuesAreConvertedToTheClassTypes) {
             "QTX</VALUE></PROPERTY><PROPERTY NAME=\"CreationClassName\" TYPE=\"string\"><VALUE>QTX_CDRService</VALUE>"
             "</PROPERTY><PROPERTY NAME=\"Name\" TYPE=\"string\"><VALUE>CDRService</VALUE></PROPERTY><PROPERTY "
             "NAME=\"digitslimit\" TYPE=\"" + type + "\"><VALUE>" + value + "</VALUE></PROPERTY></INSTANCE>"
-            "</VALUE.NAMEDINSTANCE></IPARAMVALUE><IPARAMVALUE NAME=\"PropertyList\"><VALUE.ARRAY><VALUE>DigitsLimit"
-            "</VALUE></VALUE.ARRAY></IPARAMVALUE>");
+            "</VALUE.NAMEDINSTANCE></IPARAMVALUE><IPARAMVALUE NAME=\"PropertyList\"><VALUE.ARRAY><VALUE>"
+            "SystemCreationClassName</VALUE><VALUE>SystemName</VALUE><VALUE>CreationClassName</VALUE><VALUE>Name"
+            "</VALUE><VALUE>DigitsLimit</VALUE></VALUE.ARRAY></IPARAMVALUE>");
         curl("ModifyInstance", body);
         return readFile(scratch.file("response.xml"));
     };

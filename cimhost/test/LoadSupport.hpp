@@ -195,22 +195,25 @@ inline CimCall getInstance(const std::string& className, const Keys& keys) {
 }
 
 // ModifyInstance of one property: the instance carries its keys (the module
-// finds the object by them) and the changed property, which the PropertyList
-// names alone (OpenWBEM fills in the class's other properties with their
-// defaults, and 3.2 keeps only the listed ones).
+// finds the object by them) and the changed property, and the PropertyList
+// names those (OpenWBEM fills in the class's other properties with their
+// defaults, and 3.2 then keeps only the listed ones).
 inline CimCall modifyInstance(const std::string& className, const Keys& keys, const std::string& property,
                               const std::string& type, const std::string& value) {
     std::string keyProperties;
-    for (const auto& [name, keyValue] : keys)
+    std::string listed;
+    for (const auto& [name, keyValue] : keys) {
         keyProperties += "<PROPERTY NAME=\"" + name + "\" TYPE=\"string\"><VALUE>" + xmlEscape(keyValue) +
                          "</VALUE></PROPERTY>";
+        listed += "<VALUE>" + name + "</VALUE>";
+    }
     return intrinsicCall(
         "ModifyInstance",
         "<IPARAMVALUE NAME=\"ModifiedInstance\"><VALUE.NAMEDINSTANCE><INSTANCENAME CLASSNAME=\"" + className + "\">" +
             keyBindings(keys) + "</INSTANCENAME><INSTANCE CLASSNAME=\"" + className + "\">" + keyProperties +
             "<PROPERTY NAME=\"" + property + "\" TYPE=\"" + type + "\"><VALUE>" + xmlEscape(value) +
             "</VALUE></PROPERTY></INSTANCE></VALUE.NAMEDINSTANCE></IPARAMVALUE><IPARAMVALUE NAME=\"PropertyList\">"
-            "<VALUE.ARRAY><VALUE>" + property + "</VALUE></VALUE.ARRAY></IPARAMVALUE>");
+            "<VALUE.ARRAY>" + listed + "<VALUE>" + property + "</VALUE></VALUE.ARRAY></IPARAMVALUE>");
 }
 
 inline CimCall invokeMethod(const std::string& className, const Keys& keys, const std::string& method) {
