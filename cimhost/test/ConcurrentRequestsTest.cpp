@@ -44,17 +44,42 @@ struct ServerAddress {
     }
 };
 
-// One request on a connection of its own.
+// Requests sent again because owcimomd dropped them unread (see post).
+std::atomic<int> unreadRetries{0};
+
+// Whether owcimomd gave up on the request before running it. OpenWBEM
+// 3.0's owcimomd changes its effective user id around every provider call
+// (seteuid), and glibc signals every thread of the process for that; a
+// connection thread then reading a request fails with EINTR and answers
+// "500 ...: select() was interrupted.", "400 ...: There was a problem parsing
+// the request Header" or "400 ...: CIMError: request-not-loosely-valid" (the
+// body read in part), or closes the connection. An operation that ran is
+// answered 200, its errors as CIM errors, so these requests never ran.
+bool droppedUnread(const httplib::Result& result) {
+    if (!externalServer()) return false;
+    return !result || result->status == 400 || result->status == 500;
+}
+
+// One request on a connection of its own. Every request of the check may
+// run twice with the same outcome, so one that owcimomd dropped is sent
+// again (a few times at most).
 CimAnswer post(const ServerAddress& server, const CimCall& call) {
-    httplib::Client http(server.schemeHostPort);
-    http.set_keep_alive(false);
-    http.set_read_timeout(30, 0);
-    if (!server.user.empty()) http.set_basic_auth(server.user, server.password);
-    httplib::Headers headers = {{"Accept", "application/xml"}, {"CIMOperation", "MethodCall"}, {"CIMMethod", call.method},
-                                {"CIMProtocolVersion", "1.0"}};
-    auto result = http.Post("/cimom", headers, call.body, "application/xml; charset=utf-8");
-    if (!result) return {};
-    return readAnswer(result->status, result->body);
+    for (int attempt = 0;; ++attempt) {
+        httplib::Client http(server.schemeHostPort);
+        http.set_keep_alive(false);
+        http.set_connection_timeout(10, 0);
+        http.set_read_timeout(30, 0);
+        if (!server.user.empty()) http.set_basic_auth(server.user, server.password);
+        httplib::Headers headers = {{"CIMOperation", "MethodCall"}, {"CIMMethod", call.method},
+                                    {"CIMProtocolVersion", "1.0"}, {"Accept", "application/xml"}};
+        auto result = http.Post("/cimom", headers, call.body, "application/xml; charset=utf-8");
+        if (attempt < 4 && droppedUnread(result)) {
+            ++unreadRetries;
+            continue;
+        }
+        if (!result) return {};
+        return readAnswer(result->status, result->body);
+    }
 }
 
 std::string valueText(const pugi::xml_node& property) {
@@ -134,9 +159,19 @@ CimCall getRow(int row) { return getInstance("QTX_CDRServicePrefixBin", rowKeys(
 
 class ConcurrentRequests : public ::testing::Test {
 protected:
+    // With CDR_E2E_URL set, the object manager and state directory named
+    // there (HostProcess.hpp), else cimhost started here.
     void SetUp() override {
-        setenv("ZPO_ROOT", state.path().c_str(), 1);
+        // A server that closes a connection while a request is being sent
+        // (owcimomd does, see droppedUnread) must not end the test.
+        signal(SIGPIPE, SIG_IGN);
+        const ExternalServer* external = externalServer();
+        setenv("ZPO_ROOT", external ? external->zpoRoot.c_str() : state.path().c_str(), 1);
         for (const std::string& entry : deviceSeed()) ASSERT_EQ(zpo("reg " + entry).exitCode, 0) << entry;
+        if (external) {
+            url = external->url + "/root/cimv2";
+            return;
+        }
         host = std::make_unique<HostProcess>(CIMHOST_BINARY,
                                              std::vector<std::string>{"--provider", CDR_PROVIDER, "--mof", CDR_MOF},
                                              state.file("host.log"));
@@ -225,7 +260,8 @@ TEST_F(ConcurrentRequests, EveryAnswerHoldsExactlyTheInstancesAndValuesOfAReques
                     const bool first = (i / 5) % 2 == 1;
                     const int epoch = restoreEpoch;
                     CimAnswer set = post(server, setRow(c, first ? firstDigits(c) : secondDigits(c)));
-                    Instances got = instancesOf(post(server, getRow(c)));
+                    CimAnswer read = post(server, getRow(c));
+                    Instances got = instancesOf(read);
                     answers += 2;
                     const std::string& written = first ? rowFirst[c] : rowSecond[c];
                     const bool restored = epoch % 2 == 1 || restoreEpoch != epoch;
@@ -234,7 +270,9 @@ TEST_F(ConcurrentRequests, EveryAnswerHoldsExactlyTheInstancesAndValuesOfAReques
                                            (restored && (got.texts[0] == rowFirst[c] || got.texts[0] == rowSecond[c])));
                     if (!set.wellFormed || set.cimError != 0) wrong("modify of row " + std::to_string(c) + ": " + set.body);
                     else if (!readBack) wrong("row " + std::to_string(c) + " read back as " +
-                                              (got.texts.empty() ? std::string("nothing") : got.texts[0]));
+                                              (got.texts.empty() ? "HTTP " + std::to_string(read.httpStatus) + ": " +
+                                                                       read.body.substr(0, 2000)
+                                                                 : got.texts[0]));
                     continue;
                 }
                 // Half the reads enumerate the prefix rows, the class with the
@@ -248,8 +286,8 @@ TEST_F(ConcurrentRequests, EveryAnswerHoldsExactlyTheInstancesAndValuesOfAReques
                                                  [&](const std::string& t) { return allowed[pick].count(t) == 1; });
                 if (!answer.wellFormed || answer.cimError != 0 || got.ids != expectedIds[pick] || !valuesAllowed) {
                     wrong(calls[pick].method + " answered " + std::to_string(got.ids.size()) + " instances (alone " +
-                          std::to_string(expectedIds[pick].size()) + "): " + calls[pick].body + "\n" +
-                          answer.body.substr(0, 2000));
+                          std::to_string(expectedIds[pick].size()) + "): " + calls[pick].body + "\nHTTP " +
+                          std::to_string(answer.httpStatus) + ": " + answer.body.substr(0, 2000));
                 }
             }
             --clientsRunning;
@@ -260,7 +298,8 @@ TEST_F(ConcurrentRequests, EveryAnswerHoldsExactlyTheInstancesAndValuesOfAReques
 
     for (const std::string& failure : failures) ADD_FAILURE() << failure;
     EXPECT_EQ(wrongAnswers, 0) << "wrong answers of " << answers;
-    std::cout << answers << " answers, " << wrongAnswers << " wrong, " << restoreEpoch / 2 << " restores\n";
+    std::cout << answers << " answers, " << wrongAnswers << " wrong, " << restoreEpoch / 2 << " restores, "
+              << unreadRetries << " requests sent again unread\n";
     EXPECT_GT(restoreEpoch, 0);
 }
 

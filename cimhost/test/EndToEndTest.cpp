@@ -126,6 +126,14 @@ std::string intrinsicBody(const std::string& name, const std::string& params) {
 
 size_t lineCount(const std::string& text) { return std::count(text.begin(), text.end(), '\n'); }
 
+// A CIM error's description: OpenWBEM 3.0 (and cimhost) give the code's
+// text, then the message in parentheses, or the code's text alone when
+// there is no message; 3.2 gives the message alone.
+std::string described(const std::string& codeText, const std::string& message) {
+    if (answersAs32()) return message;
+    return message.empty() ? codeText : codeText + " (" + message + ")";
+}
+
 TEST_F(CdrHost, EnumeratesSixClassesWithSeventeenInstances) {
     CommandResult classes = wbemcli("ecn '" + url + "'");
     ASSERT_EQ(classes.exitCode, 0) << classes.err;
@@ -171,10 +179,8 @@ TEST_F(CdrHost, ModifiedSettingReachesRegistryAndCdrService) {
 TEST_F(CdrHost, RefusedSettingIsCimError4WithTheModulesMessage) {
     CommandResult refused = wbemcli("mi \"" + url + ":" + kService + "\" 'DigitsLimit=25'");
     EXPECT_EQ(refused.exitCode, 16);
-    // The description as OpenWBEM 3.0 gives it: the code's text, then the
-    // module's message.
-    EXPECT_NE(refused.err.find("Cim: (4) CIM_ERR_INVALID_PARAMETER: invalid parameter passed to method "
-                               "(DigitsLimit must be <= 24)"),
+    EXPECT_NE(refused.err.find("Cim: (4) CIM_ERR_INVALID_PARAMETER: " +
+                               described("invalid parameter passed to method", "DigitsLimit must be <= 24")),
               std::string::npos)
         << refused.err;
     EXPECT_EQ(zpo("reg get CDR CDRService DIGITSLIMIT").out, "binary 00 10\n");
@@ -189,7 +195,8 @@ TEST_F(CdrHost, PushTimeChangeRearmsTheScheduledTransfer) {
     // after the earlier properties were applied.
     CommandResult modified = wbemcli("mi \"" + url + ":" + kPushSetting + "\" 'TransferTime=\"10:30\"'");
     EXPECT_EQ(modified.exitCode, 16);
-    EXPECT_NE(modified.err.find("Cim: (1) CIM_ERR_FAILED: general error (301)"), std::string::npos) << modified.err;
+    EXPECT_NE(modified.err.find("Cim: (1) CIM_ERR_FAILED: " + described("general error", "301")), std::string::npos)
+        << modified.err;
     EXPECT_EQ(zpo("reg get CDR CDRPush TranTime").out, "string 10:30\n");
     std::string crontab = zpo("sched list").out;
     EXPECT_NE(crontab.find("30 10 * * * /qv/bin/CDRTransfer"), std::string::npos) << crontab;
@@ -216,22 +223,24 @@ TEST_F(CdrHost, MethodsAnswerWithTheirCounters) {
 }
 
 TEST_F(CdrHost, ModuleErrorsReachTheClientAsWbemcliPrintsThem) {
+    const std::string notFound = "Cim: (6) CIM_ERR_NOT_FOUND: " + described("requested object could not be found", "");
+    const std::string notSupported =
+        "Cim: (7) CIM_ERR_NOT_SUPPORTED: " + described("requested operation is not supported", "");
+    const std::string noMethod = "Cim: (17) CIM_ERR_METHOD_NOT_FOUND: " + described("extrinsic method does not exist", "");
     const std::pair<std::string, std::string> cases[] = {
-        {"gi '" + url + ":QTX_CDRPushSetting.InstanceID=\"nope\"'",
-         "Cim: (6) CIM_ERR_NOT_FOUND: requested object could not be found\n"},
-        {"di \"" + url + ":" + kPushSetting + "\"", "Cim: (7) CIM_ERR_NOT_SUPPORTED: requested operation is not supported\n"},
-        {"ci '" + url + ":QTX_CDRServicePrefixBin.InstanceID=\"x\"' 'InstanceID=\"x\"'",
-         "Cim: (7) CIM_ERR_NOT_SUPPORTED: requested operation is not supported\n"},
-        {"cm \"" + url + ":" + kService + "\" refresh", "Cim: (17) CIM_ERR_METHOD_NOT_FOUND: extrinsic method does not exist\n"},
-        {"cm \"" + url + ":" + kPushSetting + "\" pushfilenow",
-         "Cim: (17) CIM_ERR_METHOD_NOT_FOUND: extrinsic method does not exist\n"},
+        {"gi '" + url + ":QTX_CDRPushSetting.InstanceID=\"nope\"'", notFound + "\n"},
+        {"di \"" + url + ":" + kPushSetting + "\"", notSupported + "\n"},
+        {"ci '" + url + ":QTX_CDRServicePrefixBin.InstanceID=\"x\"' 'InstanceID=\"x\"'", notSupported + "\n"},
+        {"cm \"" + url + ":" + kService + "\" refresh", noMethod + "\n"},
+        {"cm \"" + url + ":" + kPushSetting + "\" pushfilenow", noMethod + "\n"},
         // Operations on one instance pass the class name as the client
         // spelled it; the module's own rule answers.
         {"gi '" + url + ":qtx_cdrpushsetting.InstanceID=\"CDRPushSetting\"'",
-         "Cim: (5) CIM_ERR_INVALID_CLASS: class does not exist\n"},
-        {"ei '" + url + ":QTX_NoSuchClass'", "Cim: (5) CIM_ERR_INVALID_CLASS: class does not exist (/root/cimv2:QTX_NoSuchClass)\n"},
+         "Cim: (5) CIM_ERR_INVALID_CLASS: " + described("class does not exist", "") + "\n"},
+        {"ei '" + url + ":QTX_NoSuchClass'",
+         "Cim: (5) CIM_ERR_INVALID_CLASS: " + described("class does not exist", "/root/cimv2:QTX_NoSuchClass") + "\n"},
         {"ecn '" + base + "/root/other'",
-         "Cim: (3) CIM_ERR_INVALID_NAMESPACE: namespace does not exist (root/other)\n"},
+         "Cim: (3) CIM_ERR_INVALID_NAMESPACE: " + described("namespace does not exist", "root/other") + "\n"},
     };
     for (const auto& [command, expected] : cases) {
         CommandResult result = wbemcli(command);
@@ -263,16 +272,20 @@ TEST_F(CdrHost, ObjectManagerAnswersWhereTheModuleIsNotAsked) {
 }
 
 // The push statistics hold no transfer time yet: the module reports the
-// empty date-time, which the 3.0 series writes as a zero date.
+// empty date-time, which the 3.0 series writes as a zero date (3.2 with
+// ":000" for the offset).
 TEST_F(CdrHost, EmptyDateTimeIsWrittenAsOpenWbem30WritesIt) {
     CommandResult statistics = wbemcli("ei -nl '" + url + ":QTX_CDRPushStatistics'");
     ASSERT_EQ(statistics.exitCode, 0) << statistics.err;
-    EXPECT_NE(statistics.out.find("-LastTransferTime=00000000000000.000000+000"), std::string::npos) << statistics.out;
+    const std::string zero = answersAs32() ? "00000000000000.000000:000" : "00000000000000.000000+000";
+    EXPECT_NE(statistics.out.find("-LastTransferTime=" + zero), std::string::npos) << statistics.out;
 }
 
 // owcimomd converts each property of a modified instance to the class's
 // type before the module sees it; a value that does not convert is its
-// CIM_ERR_FAILED, and nothing is written.
+// CIM_ERR_FAILED, and nothing is written. The PropertyList names the keys
+// too: 3.2 keeps only the listed properties, and the module finds the
+// object by its key properties.
 TEST_F(CdrHost, ModifiedValuesAreConvertedToTheClassTypes) {
     std::string before = zpo("reg list").out;
     auto modify = [&](const std::string& type, const std::string& value) {
@@ -284,13 +297,15 @@ TEST_F(CdrHost, ModifiedValuesAreConvertedToTheClassTypes) {
             "QTX</VALUE></PROPERTY><PROPERTY NAME=\"CreationClassName\" TYPE=\"string\"><VALUE>QTX_CDRService</VALUE>"
             "</PROPERTY><PROPERTY NAME=\"Name\" TYPE=\"string\"><VALUE>CDRService</VALUE></PROPERTY><PROPERTY "
             "NAME=\"digitslimit\" TYPE=\"" + type + "\"><VALUE>" + value + "</VALUE></PROPERTY></INSTANCE>"
-            "</VALUE.NAMEDINSTANCE></IPARAMVALUE><IPARAMVALUE NAME=\"PropertyList\"><VALUE.ARRAY><VALUE>DigitsLimit"
-            "</VALUE></VALUE.ARRAY></IPARAMVALUE>");
+            "</VALUE.NAMEDINSTANCE></IPARAMVALUE><IPARAMVALUE NAME=\"PropertyList\"><VALUE.ARRAY><VALUE>"
+            "SystemCreationClassName</VALUE><VALUE>SystemName</VALUE><VALUE>CreationClassName</VALUE><VALUE>Name"
+            "</VALUE><VALUE>DigitsLimit</VALUE></VALUE.ARRAY></IPARAMVALUE>");
         curl("ModifyInstance", body);
         return readFile(scratch.file("response.xml"));
     };
-    EXPECT_NE(modify("string", "abc").find("<ERROR CODE=\"1\" DESCRIPTION=\"general error (Unable to convert "
-                                           "&quot;abc&quot; into UInt16)\""),
+    EXPECT_NE(modify("string", "abc").find("<ERROR CODE=\"1\" DESCRIPTION=\"" +
+                                           described("general error", "Unable to convert &quot;abc&quot; into UInt16") +
+                                           "\""),
               std::string::npos);
     EXPECT_EQ(zpo("reg list").out, before);
     std::string changed = modify("string", "20");
@@ -325,9 +340,14 @@ TEST_F(CdrHost, MalformedRequestsAreRefusedWithoutHarm) {
         "<INSTANCE CLASSNAME=\"QTX_CDRServicePrefixBin\"><PROPERTY NAME=\"InstanceID\" TYPE=\"string\"><VALUE>"
         "CDRServicePrefixBin_0</VALUE></PROPERTY><PROPERTY NAME=\"PrefixBin\" TYPE=\"string\"><VALUE>123</VALUE>"
         "</PROPERTY></INSTANCE></VALUE.NAMEDINSTANCE></IPARAMVALUE>");
-    CommandResult truncated = curl("ModifyInstance", modify.substr(0, modify.size() - 40));
-    EXPECT_NE(truncated.out.find("HTTP/1.1 400"), std::string::npos) << truncated.out;
-    EXPECT_NE(truncated.out.find("CIMError: request-not-well-formed"), std::string::npos) << truncated.out;
+    // A body broken after its start and one over the size limit are
+    // cimhost's own answers (owcimomd parses as it runs the operation, and
+    // takes any size).
+    if (!external) {
+        CommandResult truncated = curl("ModifyInstance", modify.substr(0, modify.size() - 40));
+        EXPECT_NE(truncated.out.find("HTTP/1.1 400"), std::string::npos) << truncated.out;
+        EXPECT_NE(truncated.out.find("CIMError: request-not-well-formed"), std::string::npos) << truncated.out;
+    }
     std::string wrongShape = modify;
     wrongShape.replace(wrongShape.find("<VALUE.NAMEDINSTANCE>"), 21, "<VALUE.OBJECT>");
     wrongShape.replace(wrongShape.find("</VALUE.NAMEDINSTANCE>"), 22, "</VALUE.OBJECT>");
@@ -335,19 +355,29 @@ TEST_F(CdrHost, MalformedRequestsAreRefusedWithoutHarm) {
     CommandResult invalid = curl("ModifyInstance", wrongShape);
     EXPECT_NE(invalid.out.find("HTTP/1.1 200"), std::string::npos) << invalid.out;
     EXPECT_NE(readFile(scratch.file("response.xml"))
-                  .find("<ERROR CODE=\"4\" DESCRIPTION=\"invalid parameter passed to method (Parameter ModifiedInstance "
-                        "is the wrong type.  Expected &lt;VALUE.NAMEDINSTANCE&gt; tag."),
+                  .find(std::string("<ERROR CODE=\"4\" DESCRIPTION=\"") +
+                        (answersAs32() ? "" : "invalid parameter passed to method (") +
+                        "Parameter ModifiedInstance is the wrong type.  Expected &lt;VALUE.NAMEDINSTANCE&gt; tag."),
               std::string::npos)
         << readFile(scratch.file("response.xml"));
-    std::string oversize = modify;
-    oversize.insert(oversize.find("</CIM>"), std::string(5 * 1024 * 1024, ' '));
-    CommandResult tooLarge = curl("ModifyInstance", oversize);
-    EXPECT_NE(tooLarge.out.find("HTTP/1.1 413"), std::string::npos) << tooLarge.out;
+    if (!external) {
+        std::string oversize = modify;
+        oversize.insert(oversize.find("</CIM>"), std::string(5 * 1024 * 1024, ' '));
+        CommandResult tooLarge = curl("ModifyInstance", oversize);
+        EXPECT_NE(tooLarge.out.find("HTTP/1.1 413"), std::string::npos) << tooLarge.out;
+    }
+    EXPECT_EQ(zpo("reg list").out, before);
+    // 3.0 refuses a DOCTYPE; 3.2 reads past it and runs the operation.
     CommandResult doctype = curl("ModifyInstance", "<?xml version=\"1.0\"?><!DOCTYPE CIM [<!ENTITY a \"b\">]>" +
                                                        modify.substr(modify.find("<CIM ")));
-    EXPECT_NE(doctype.out.find("HTTP/1.1 400"), std::string::npos) << doctype.out;
-    EXPECT_NE(doctype.out.find("CIMError: request-not-well-formed"), std::string::npos) << doctype.out;
-    EXPECT_EQ(zpo("reg list").out, before);
+    if (answersAs32()) {
+        EXPECT_NE(doctype.out.find("HTTP/1.1 200"), std::string::npos) << doctype.out;
+        EXPECT_NE(zpo("reg list").out, before);
+    } else {
+        EXPECT_NE(doctype.out.find("HTTP/1.1 400"), std::string::npos) << doctype.out;
+        EXPECT_NE(doctype.out.find("CIMError: request-not-well-formed"), std::string::npos) << doctype.out;
+        EXPECT_EQ(zpo("reg list").out, before);
+    }
     // Still serving, and the complete request does change the bin.
     CommandResult complete = curl("ModifyInstance", modify);
     EXPECT_NE(complete.out.find("HTTP/1.1 200"), std::string::npos);

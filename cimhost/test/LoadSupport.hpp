@@ -122,7 +122,7 @@ public:
     }
 
     CimAnswer call(const std::string& method, const std::string& body) {
-        httplib::Headers headers = {{"Accept", "application/xml"}, {"CIMOperation", "MethodCall"}, {"CIMMethod", method}};
+        httplib::Headers headers = {{"CIMOperation", "MethodCall"}, {"CIMMethod", method}, {"Accept", "application/xml"}};
         auto result = http_.Post("/cimom", headers, body, "application/xml; charset=utf-8");
         if (!result) return {};
         return readAnswer(result->status, result->body);
@@ -155,7 +155,8 @@ inline std::string xmlEscape(const std::string& text) {
 inline std::string keyBindings(const std::vector<std::pair<std::string, std::string>>& keys) {
     std::string out;
     for (const auto& [name, value] : keys)
-        out += "<KEYBINDING NAME=\"" + name + "\"><KEYVALUE>" + xmlEscape(value) + "</KEYVALUE></KEYBINDING>";
+        out += "<KEYBINDING NAME=\"" + name + "\"><KEYVALUE VALUETYPE=\"string\">" + xmlEscape(value) +
+               "</KEYVALUE></KEYBINDING>";
     return out;
 }
 
@@ -194,19 +195,25 @@ inline CimCall getInstance(const std::string& className, const Keys& keys) {
 }
 
 // ModifyInstance of one property: the instance carries its keys (the module
-// finds the object by them) and the changed property.
+// finds the object by them) and the changed property, and the PropertyList
+// names those (OpenWBEM fills in the class's other properties with their
+// defaults, and 3.2 then keeps only the listed ones).
 inline CimCall modifyInstance(const std::string& className, const Keys& keys, const std::string& property,
                               const std::string& type, const std::string& value) {
     std::string keyProperties;
-    for (const auto& [name, keyValue] : keys)
+    std::string listed;
+    for (const auto& [name, keyValue] : keys) {
         keyProperties += "<PROPERTY NAME=\"" + name + "\" TYPE=\"string\"><VALUE>" + xmlEscape(keyValue) +
                          "</VALUE></PROPERTY>";
+        listed += "<VALUE>" + name + "</VALUE>";
+    }
     return intrinsicCall(
         "ModifyInstance",
         "<IPARAMVALUE NAME=\"ModifiedInstance\"><VALUE.NAMEDINSTANCE><INSTANCENAME CLASSNAME=\"" + className + "\">" +
             keyBindings(keys) + "</INSTANCENAME><INSTANCE CLASSNAME=\"" + className + "\">" + keyProperties +
             "<PROPERTY NAME=\"" + property + "\" TYPE=\"" + type + "\"><VALUE>" + xmlEscape(value) +
-            "</VALUE></PROPERTY></INSTANCE></VALUE.NAMEDINSTANCE></IPARAMVALUE>");
+            "</VALUE></PROPERTY></INSTANCE></VALUE.NAMEDINSTANCE></IPARAMVALUE><IPARAMVALUE NAME=\"PropertyList\">"
+            "<VALUE.ARRAY>" + listed + "<VALUE>" + property + "</VALUE></VALUE.ARRAY></IPARAMVALUE>");
 }
 
 inline CimCall invokeMethod(const std::string& className, const Keys& keys, const std::string& method) {
