@@ -278,14 +278,19 @@ TEST_F(HostOverHttp, ServesHttpsWithTls12OrLater) {
                          "/cimom", dir).out, "200");
 }
 
+// cimhost started in the foreground with `provider` and the arguments after it.
+CommandResult runHost(const TempDir& dir, const std::string& provider, const std::string& arguments) {
+    return runCommand(std::string(CIMHOST_BINARY) + " --provider " + provider + " --mof " + CIMHOST_TEST_MOF + " " +
+                          arguments, dir);
+}
+
 TEST(HostStartup, RefusesAPortAnotherHostListensOn) {
     TempDir dir;
     HostProcess first(CIMHOST_BINARY, {"--provider", CIMHOST_TEST_PROVIDER, "--mof", CIMHOST_TEST_MOF},
                       dir.file("first.log"));
     ASSERT_TRUE(first.running());
-    CommandResult second = runCommand(std::string(CIMHOST_BINARY) + " --provider " + CIMHOST_TEST_PROVIDER +
-                                          " --mof " + CIMHOST_TEST_MOF + " --log " + dir.file("second.log") +
-                                          " --listen 127.0.0.1:" + std::to_string(first.port()), dir);
+    CommandResult second = runHost(dir, CIMHOST_TEST_PROVIDER, "--log " + dir.file("second.log") +
+                                                                   " --listen 127.0.0.1:" + std::to_string(first.port()));
     EXPECT_EQ(second.exitCode, 1);
     EXPECT_NE(second.err.find("cannot listen on 127.0.0.1:" + std::to_string(first.port()) +
                               ": Address already in use"), std::string::npos) << second.err;
@@ -293,8 +298,7 @@ TEST(HostStartup, RefusesAPortAnotherHostListensOn) {
 
 TEST(HostStartup, RefusesAnOpenAddressWithoutCredentials) {
     TempDir dir;
-    CommandResult refused = runCommand(std::string(CIMHOST_BINARY) + " --provider " + CIMHOST_TEST_PROVIDER +
-                                           " --mof " + CIMHOST_TEST_MOF + " --listen 0.0.0.0:0", dir);
+    CommandResult refused = runHost(dir, CIMHOST_TEST_PROVIDER, "--listen 0.0.0.0:0");
     EXPECT_EQ(refused.exitCode, 2);
     EXPECT_NE(refused.err.find("without --auth-file; give --insecure"), std::string::npos) << refused.err;
 }
@@ -302,14 +306,12 @@ TEST(HostStartup, RefusesAnOpenAddressWithoutCredentials) {
 TEST(HostStartup, RefusesAModuleBuiltForAnotherVersionOrWithoutFactory) {
     TempDir dir;
     // A library that is no provider module at all: no getOWVersion.
-    CommandResult notModule = runCommand(std::string(CIMHOST_BINARY) + " --provider " + CIMHOST_NOT_A_MODULE +
-                                         " --mof " + CIMHOST_TEST_MOF + " --listen 127.0.0.1:0", dir);
+    CommandResult notModule = runHost(dir, CIMHOST_NOT_A_MODULE, "--listen 127.0.0.1:0");
     EXPECT_EQ(notModule.exitCode, 1);
     EXPECT_NE(notModule.err.find("has no getOWVersion"), std::string::npos) << notModule.err;
     // The right version, but the factory is named after another file name.
     std::filesystem::copy_file(CIMHOST_TEST_PROVIDER, dir.file("Renamed.so"));
-    CommandResult renamed = runCommand(std::string(CIMHOST_BINARY) + " --provider " + dir.file("Renamed.so") +
-                                           " --mof " + CIMHOST_TEST_MOF + " --listen 127.0.0.1:0", dir);
+    CommandResult renamed = runHost(dir, dir.file("Renamed.so"), "--listen 127.0.0.1:0");
     EXPECT_EQ(renamed.exitCode, 1);
     EXPECT_NE(renamed.err.find("does not contain createProviderRenamed"), std::string::npos) << renamed.err;
 }

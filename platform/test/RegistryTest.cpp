@@ -13,10 +13,13 @@
 
 namespace {
 
+// Each test has its own state directory.
 class RegistryContract : public ::testing::Test {
  protected:
   zpotest::TempZpoRoot root;
 };
+using RegistrySharing = RegistryContract;
+using RegistryFaults = RegistryContract;
 
 TEST_F(RegistryContract, AbsentEntryIsNotFoundForEveryKind) {
   unsigned char byte = 0;
@@ -120,7 +123,6 @@ TEST_F(RegistryContract, NamesAreCaseSensitive) {
 
 TEST_F(RegistryContract, MissingNamesAndBuffersAreRefused) {
   unsigned char byte = 1;
-  uint32_t number = 0;
   char text[4];
   EXPECT_EQ(ZPO_ERR_INVALID_ARGUMENT, ZpoSetRegEntryBinary(nullptr, "S", "K", &byte, 1));
   EXPECT_EQ(ZPO_ERR_INVALID_ARGUMENT, ZpoSetRegEntryBinary("C", "", "K", &byte, 1));
@@ -130,15 +132,9 @@ TEST_F(RegistryContract, MissingNamesAndBuffersAreRefused) {
   EXPECT_EQ(ZPO_ERR_INVALID_ARGUMENT, ZpoGetRegEntryString("C", "S", "K", text, 0));
   EXPECT_EQ(ZPO_ERR_INVALID_ARGUMENT, ZpoGetRegEntryBinary("C", "S", nullptr, &byte, 1));
   EXPECT_FALSE(root.hasEntry("C", "S", "K"));
-  (void)number;
 }
 
 // ---- Durability and concurrency ---------------------------------------------
-
-class RegistrySharing : public ::testing::Test {
- protected:
-  zpotest::TempZpoRoot root;
-};
 
 TEST_F(RegistrySharing, WriteThatReturnedSurvivesAKilledProcess) {
   int ready[2];
@@ -220,11 +216,6 @@ TEST_F(RegistrySharing, ThreadsOfOneProcessShareTheRegistry) {
 }
 
 // ---- Fault injection ----------------------------------------------------------
-
-class RegistryFaults : public ::testing::Test {
- protected:
-  zpotest::TempZpoRoot root;
-};
 
 TEST_F(RegistryFaults, ReadFaultHitsOnlyItsEntryAndLeavesTheBuffer) {
   ASSERT_EQ(ZPO_OK, ZpoSetRegEntryInt("CDR", "CDRPush", "Port", 21));

@@ -6,12 +6,7 @@
 namespace {
 
 namespace OW = OW_NAMESPACE;
-using cdrtest::catchCIMError;
-using cdrtest::CIMError;
-using cdrtest::makeInstance;
-using cdrtest::makePath;
-using cdrtest::propertyText;
-using cdrtest::qualifierText;
+using namespace cdrtest;
 
 const char* const kSource = "CDR/CDROAM/src/QTX_CDRPushSettingProvider";
 const char* const kTask = " /qv/bin/CDRTransfer";
