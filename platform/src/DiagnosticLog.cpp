@@ -15,7 +15,10 @@ namespace zpo {
 namespace {
 
 struct DiagnosticModule {
+  std::string moduleFileName;
+  std::string component;
   std::string moduleName;
+  std::string logFileName;
   int fd = -1;
 };
 
@@ -50,6 +53,17 @@ void forgetDiagnosticModules() {
   gModules.clear();
 }
 
+std::vector<std::string> diagnosticRegistrations() {
+  std::lock_guard<std::mutex> hold(gModulesLock);
+  std::vector<std::string> lines;
+  for (const auto& registered : gModules) {
+    const DiagnosticModule& module = registered.second;
+    lines.push_back(module.moduleFileName + " " + module.component + " " + module.moduleName + " " +
+                    module.logFileName);
+  }
+  return lines;
+}
+
 }  // namespace zpo
 
 using zpo::DiagnosticModule;
@@ -68,7 +82,10 @@ ZpoStatus ZpoDiagRegisterModule(const char* moduleFileName, const char* componen
   if (root.empty()) return ZPO_ERR_IO;
   const std::string file = root + "/log/" + logFileName;
   DiagnosticModule module;
+  module.moduleFileName = moduleFileName;
+  module.component = component;
   module.moduleName = moduleName;
+  module.logFileName = logFileName;
   // O_APPEND makes every write land whole at the end, whatever other writers do.
   module.fd = ::open(file.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, 0644);
   if (module.fd < 0) return ZPO_ERR_IO;

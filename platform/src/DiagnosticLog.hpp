@@ -4,6 +4,7 @@
 
 #include <ctime>
 #include <string>
+#include <vector>
 
 namespace zpo {
 
@@ -14,6 +15,10 @@ std::string formatLogLine(const struct timespec& when, const std::string& module
 
 // Closes every log file of this process and forgets its handles.
 void forgetDiagnosticModules();
+
+// "<module file> <component> <module> <log file>" of every module this
+// process has registered and not yet deregistered, in handle order.
+std::vector<std::string> diagnosticRegistrations();
 
 }  // namespace zpo
 

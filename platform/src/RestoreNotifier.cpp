@@ -182,6 +182,17 @@ void forgetRestoreCallbacks() {
   gListener.reset();
 }
 
+std::vector<std::string> restoreRegistrations() {
+  std::lock_guard<std::mutex> hold(gListenerLock);
+  std::vector<std::string> lines;
+  if (!gListener) return lines;
+  std::lock_guard<std::mutex> holdRegistrations(gListener->lock);
+  for (const auto& registration : gListener->registrations) {
+    lines.push_back(registration.name + " " + std::to_string(registration.eventMask));
+  }
+  return lines;
+}
+
 }  // namespace zpo
 
 extern "C" ZpoStatus ZpoNotifyRegBackupAndRestore(const char* name, ZpoBackupRestoreCallback callback,

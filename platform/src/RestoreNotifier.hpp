@@ -11,6 +11,7 @@
 
 #include <cstdint>
 #include <string>
+#include <vector>
 
 namespace zpo {
 
@@ -25,6 +26,10 @@ int notifyRegisteredProcesses(const std::string& canonicalRoot, RestoreEvent eve
 
 // Withdraws this process's registrations and closes its socket.
 void forgetRestoreCallbacks();
+
+// "<name> <event mask>" of every callback this process has registered, in
+// registration order.
+std::vector<std::string> restoreRegistrations();
 
 }  // namespace zpo
 

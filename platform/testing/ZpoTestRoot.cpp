@@ -2,7 +2,9 @@
 
 #include "ZpoShared.h"
 
+#include "DiagnosticLog.hpp"
 #include "RegistryStore.hpp"
+#include "RestoreNotifier.hpp"
 #include "StateDirectory.hpp"
 
 #include <algorithm>
@@ -110,6 +112,10 @@ TempZpoRoot::Queue TempZpoRoot::createQueue(const std::string& name, long maxMes
 void TempZpoRoot::removeQueue(const std::string& name) {
   mq_unlink(zpo::posixQueueName(canonicalPath_, name).c_str());
 }
+
+std::vector<std::string> TempZpoRoot::diagnosticModules() const { return zpo::diagnosticRegistrations(); }
+
+std::vector<std::string> TempZpoRoot::restoreCallbacks() const { return zpo::restoreRegistrations(); }
 
 std::vector<std::string> TempZpoRoot::crontabLines() const { return fileLines(canonicalPath_ + "/crontab"); }
 

@@ -58,6 +58,11 @@ class TempZpoRoot {
   // Removes queue `name`, as when its owner goes away.
   void removeQueue(const std::string& name);
 
+  // This process's diagnostic registrations, "<module file> <component>
+  // <module> <log file>" each, and its restore callbacks, "<name> <mask>".
+  std::vector<std::string> diagnosticModules() const;
+  std::vector<std::string> restoreCallbacks() const;
+
   // Lines of $ZPO_ROOT/crontab.
   std::vector<std::string> crontabLines() const;
   // Path of the built zpo command.

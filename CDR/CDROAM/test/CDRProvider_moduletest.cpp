@@ -346,8 +346,10 @@ TEST_F(LoadedModuleTest, HolderFunctionsForHostsWithoutTheProviderInterface) {
   testing::internal::CaptureStdout();
   EXPECT_NE(nullptr, createHolder());
   testing::internal::GetCapturedStdout();
-  // The holder registers the module's diagnostic log and deregisters it when
-  // released.
+  // The holder registers the module's diagnostic log and its restore
+  // callback; it deregisters the log when released.
+  EXPECT_EQ(std::vector<std::string>{"CDRProvider.so CDR CDROAM CdrOAM.log"}, root.diagnosticModules());
+  EXPECT_EQ(std::vector<std::string>{"CDROAMProvider 2"}, root.restoreCallbacks());
   const uint32_t handle = *symbol<uint32_t*>("zpoHandle");
   EXPECT_EQ(0u, ZpoDiagAddLogEntry(handle, 2, 4, -1, "probe"));
   std::vector<std::string> lines = root.logLines("CdrOAM.log");
@@ -357,6 +359,7 @@ TEST_F(LoadedModuleTest, HolderFunctionsForHostsWithoutTheProviderInterface) {
   ZpoSetRegEntryBinary("CDR", "CDRPush", "TransferType", &daily, 1);
   release();
   EXPECT_NE(0u, ZpoDiagAddLogEntry(handle, 2, 4, -1, "after release"));
+  EXPECT_TRUE(root.diagnosticModules().empty());
   // Every released object has left its class.
   baseRef = OW::IntrusiveReference<OW::CppProviderBaseIFC>(create());
   instances = baseRef->getInstanceProvider();
