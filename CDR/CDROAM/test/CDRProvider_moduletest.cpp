@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
+#include <filesystem>
 #include <functional>
 #include <memory>
 #include <string>
@@ -335,6 +336,30 @@ TEST_F(LoadedModuleTest, AssociationsAreRefusedAtTheirLines) {
     EXPECT_EQ(row.line, error.line);
     EXPECT_FALSE(error.hasMessage);
   }
+}
+
+// A module whose log could not be registered writes no diagnostic line, not
+// even into the log of a module registered before it. Run in a fresh process:
+// the module registers once per process.
+TEST_F(LoadedModuleTest, UnregisteredLogWritesNowhere) {
+  testing::FLAGS_gtest_death_test_style = "threadsafe";
+  EXPECT_EXIT(
+      {
+        uint32_t other = 0;
+        ZpoDiagRegisterModule("Other.so", "OTH", "OTHER", "Other.log", &other);
+        std::filesystem::create_directory(root.path() + "/log/CdrOAM.log");  // cannot be opened
+        testing::internal::CaptureStdout();
+        start();
+        root.setFault("reg-read", "CDR", "CDRPush", "TransferType", 0x99);
+        OW::CIMObjectPath push = cdrtest::makePath("QTX_CDRPushSetting", {{"InstanceID", "CDRPushSetting"}});
+        catchCIMError([&] {
+          instances->getInstance(env, "root/cimv2", push, OW::WBEMFlags::E_NOT_LOCAL_ONLY,
+                                 OW::WBEMFlags::E_INCLUDE_QUALIFIERS,
+                                 OW::WBEMFlags::E_EXCLUDE_CLASS_ORIGIN, 0, kNoClass);
+        });
+        std::exit(root.diagnosticModules().size() == 1 && root.logLines("Other.log").empty() ? 0 : 1);
+      },
+      testing::ExitedWithCode(0), "");
 }
 
 TEST_F(LoadedModuleTest, HolderFunctionsForHostsWithoutTheProviderInterface) {

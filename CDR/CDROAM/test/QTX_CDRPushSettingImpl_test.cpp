@@ -495,6 +495,18 @@ TEST_F(PushSettingTest, RestoreArmsOrRemovesByTheRestoredType) {
   }
 }
 
+// A time the restore cannot read counts as empty, that is midnight, whatever
+// was read before it.
+TEST_F(PushSettingTest, RestoreArmsAtMidnightWhenTheTimeCannotBeRead) {
+  setByte("TransferType", 1);
+  setText("TranDateOfWeek", "3");
+  setText("TranTime", "10:30");
+  root.setFault("reg-read", "CDR", "CDRPush", "TranTime", 0x200011);
+  EXPECT_EQ(0, push->RestoreCallBackHdlr(2));
+  EXPECT_EQ((std::vector<std::string>{std::string("0 0 * * 3") + kTask}), root.crontabLines());
+  push->removePushSchedule();
+}
+
 TEST_F(PushSettingTest, RestoreWithoutTransferTypeReturnsTheReadStatusAndKeepsTheTask) {
   addStaleTask(1, 0);
   EXPECT_EQ(0x20000D, push->RestoreCallBackHdlr(2));
