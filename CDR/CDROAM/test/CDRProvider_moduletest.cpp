@@ -339,27 +339,28 @@ TEST_F(LoadedModuleTest, AssociationsAreRefusedAtTheirLines) {
 }
 
 // A module whose log could not be registered writes no diagnostic line, not
-// even into the log of a module registered before it. Run in a fresh process:
-// the module registers once per process.
+// even into the log of a module registered before it. The module registers
+// once per process, so the test runs again in a process of its own.
 TEST_F(LoadedModuleTest, UnregisteredLogWritesNowhere) {
-  testing::FLAGS_gtest_death_test_style = "threadsafe";
-  EXPECT_EXIT(
-      {
-        uint32_t other = 0;
-        ZpoDiagRegisterModule("Other.so", "OTH", "OTHER", "Other.log", &other);
-        std::filesystem::create_directory(root.path() + "/log/CdrOAM.log");  // cannot be opened
-        testing::internal::CaptureStdout();
-        start();
-        root.setFault("reg-read", "CDR", "CDRPush", "TransferType", 0x99);
-        OW::CIMObjectPath push = cdrtest::makePath("QTX_CDRPushSetting", {{"InstanceID", "CDRPushSetting"}});
-        catchCIMError([&] {
-          instances->getInstance(env, "root/cimv2", push, OW::WBEMFlags::E_NOT_LOCAL_ONLY,
-                                 OW::WBEMFlags::E_INCLUDE_QUALIFIERS,
-                                 OW::WBEMFlags::E_EXCLUDE_CLASS_ORIGIN, 0, kNoClass);
-        });
-        std::exit(root.diagnosticModules().size() == 1 && root.logLines("Other.log").empty() ? 0 : 1);
-      },
-      testing::ExitedWithCode(0), "");
+  if (std::getenv("CDR_TEST_OWN_PROCESS") == nullptr) {
+    std::string command = std::string("CDR_TEST_OWN_PROCESS=1 ") + CDR_PROVIDER_TEST_SELF +
+                          " --gtest_filter=LoadedModuleTest.UnregisteredLogWritesNowhere >/dev/null 2>&1";
+    EXPECT_EQ(0, std::system(command.c_str()));
+    return;
+  }
+  uint32_t other = 0;
+  ASSERT_EQ(0u, ZpoDiagRegisterModule("Other.so", "OTH", "OTHER", "Other.log", &other));
+  std::filesystem::create_directory(root.path() + "/log/CdrOAM.log");  // cannot be opened
+  start();
+  EXPECT_EQ(std::vector<std::string>{"Other.so OTH OTHER Other.log"}, root.diagnosticModules());
+  root.setFault("reg-read", "CDR", "CDRPush", "TransferType", 0x99);
+  OW::CIMObjectPath push = cdrtest::makePath("QTX_CDRPushSetting", {{"InstanceID", "CDRPushSetting"}});
+  EXPECT_EQ(1, catchCIMError([&] {
+                 instances->getInstance(env, "root/cimv2", push, OW::WBEMFlags::E_NOT_LOCAL_ONLY,
+                                        OW::WBEMFlags::E_INCLUDE_QUALIFIERS,
+                                        OW::WBEMFlags::E_EXCLUDE_CLASS_ORIGIN, 0, kNoClass);
+               }).code);
+  EXPECT_TRUE(root.logLines("Other.log").empty());
 }
 
 TEST_F(LoadedModuleTest, HolderFunctionsForHostsWithoutTheProviderInterface) {
