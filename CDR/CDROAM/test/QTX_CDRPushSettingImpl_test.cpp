@@ -495,12 +495,15 @@ TEST_F(PushSettingTest, RestoreArmsOrRemovesByTheRestoredType) {
   }
 }
 
-// A time the restore cannot read counts as empty, that is midnight, whatever
+// The restored time is read leniently: a part that is no number counts as 0,
+// and a time that cannot be read counts as empty, that is midnight, whatever
 // was read before it.
-TEST_F(PushSettingTest, RestoreArmsAtMidnightWhenTheTimeCannotBeRead) {
+TEST_F(PushSettingTest, RestoreReadsTheTimeLeniently) {
   setByte("TransferType", 1);
   setText("TranDateOfWeek", "3");
-  setText("TranTime", "10:30");
+  setText("TranTime", "x:30");
+  EXPECT_EQ(0, push->RestoreCallBackHdlr(2));
+  EXPECT_EQ((std::vector<std::string>{std::string("30 0 * * 3") + kTask}), root.crontabLines());
   root.setFault("reg-read", "CDR", "CDRPush", "TranTime", 0x200011);
   EXPECT_EQ(0, push->RestoreCallBackHdlr(2));
   EXPECT_EQ((std::vector<std::string>{std::string("0 0 * * 3") + kTask}), root.crontabLines());

@@ -99,6 +99,7 @@ TEST_F(PushSettingProviderTest, WithoutScheduledPushOnlyTheTypeApplies) {
     EXPECT_EQ("false", qualifierText(instance, name, "Applicable")) << name;
     OW::CIMQualifier q = instance.getProperty(name).getQualifier("Applicable");
     EXPECT_EQ("boolean", std::string(q.getDefaults().getName().c_str()));
+    EXPECT_EQ(OW::CIMDataType::BOOLEAN, q.getDefaults().getDataType().getType());
   }
   EXPECT_EQ("<absent>", qualifierText(instance, "InstanceID", "Applicable"));
 }

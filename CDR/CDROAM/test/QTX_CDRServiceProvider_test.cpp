@@ -46,7 +46,7 @@ class ServiceProviderTest : public cdrtest::ProviderTest<QTX_CDRServiceProvider,
 TEST_F(ServiceProviderTest, InstanceHoldsTheStoredValuesInOrderWithTheirCIMTypes) {
   setByte("FORMAT", 2);
   setByte("FILESIZE", 0xFF);
-  uint8_t limit[2] = {0x00, 0x18};
+  uint8_t limit[2] = {0x01, 0x18};
   ZpoSetRegEntryBinary("CDR", "CDRService", "DIGITSLIMIT", limit, 2);
   uint8_t code[2] = {0xF9, 0x42};
   ZpoSetRegEntryBinary("CDR", "CDRService", "FEATURE CODE", code, 2);
@@ -77,7 +77,7 @@ TEST_F(ServiceProviderTest, InstanceHoldsTheStoredValuesInOrderWithTheirCIMTypes
   }
   EXPECT_EQ("2", propertyText(instance, "Format"));
   EXPECT_EQ("255", propertyText(instance, "ClipFileSize_100K"));  // widened, never sign-extended
-  EXPECT_EQ("24", propertyText(instance, "DigitsLimit"));         // most significant byte first
+  EXPECT_EQ("280", propertyText(instance, "DigitsLimit"));        // most significant byte first
   EXPECT_EQ("42", propertyText(instance, "FeatureCode"));
   EXPECT_EQ("4000000000", propertyText(instance, "CDRDiskSpaceLimit_MB"));
   EXPECT_EQ("true", propertyText(instance, "DNISInfo"));          // any non-zero byte is true
@@ -204,9 +204,13 @@ std::vector<Setting> settings() {
 }
 
 TEST_F(ServiceProviderTest, EverySettingIsWrittenToItsEntryAndReadBack) {
-  std::vector<std::pair<const char*, OW::CIMValue>> all;
-  for (const Setting& s : settings()) all.push_back({s.property, s.value});
-  EXPECT_FALSE(modify(all).thrown);
+  zpotest::TempZpoRoot::Queue queue = root.createQueue("CDRService");
+  testing::internal::CaptureStdout();
+  for (const Setting& s : settings()) {
+    EXPECT_FALSE(modify({{s.property, s.value}}).thrown) << s.property;
+    EXPECT_EQ(std::vector<std::string>{"0"}, queue.drain()) << s.property;  // the service is told
+  }
+  testing::internal::GetCapturedStdout();
   testing::internal::CaptureStdout();
   OW::CIMInstance instance = get();
   testing::internal::GetCapturedStdout();
@@ -268,13 +272,19 @@ TEST_F(ServiceProviderTest, SendFailureIsLoggedButTheSetStillSucceeds) {
   ASSERT_FALSE(log().empty());
   EXPECT_NE(std::string::npos,
             log().back().find("level=1 id=-1 Notifying CDRService QueueSend failed rc =30002"));
-  // A service that went away is still addressed, and that failure is logged too.
+  // A service that went away is still addressed, and that failure is logged
+  // too, also by an object that found the queue when it was made.
   root.clearFaults();
+  QTX_CDRServiceImpl early("QTX_System", "QTX", "QTX_CDRService", "Early");
   root.removeQueue("CDRService");
   size_t before = log().size();
   EXPECT_FALSE(modify({{"Language", OW::CIMValue(OW::UInt8(3))}}).thrown);
-  ASSERT_EQ(before + 1, log().size());
-  EXPECT_NE(std::string::npos, log().back().find("level=1 id=-1 Notifying CDRService QueueSend failed rc ="));
+  EXPECT_EQ(0, early.setLanguage(4));
+  std::vector<std::string> lines = log();
+  ASSERT_EQ(before + 2, lines.size());
+  for (size_t i = before; i < lines.size(); ++i) {
+    EXPECT_NE(std::string::npos, lines[i].find("level=1 id=-1 Notifying CDRService QueueSend failed rc ="));
+  }
 }
 
 TEST_F(ServiceProviderTest, WithoutAQueueSettersSucceedSilently) {
@@ -326,11 +336,14 @@ TEST_F(ServiceProviderTest, LookupsCreationAndDeletionFailAsNotFoundOrNotSupport
 }
 
 TEST_F(ServiceProviderTest, AnswerSupervisionPrintsItsTraces) {
-  setByte("SUPERVISE", 1);
-  testing::internal::CaptureStdout();
-  get();
-  fflush(stdout);
-  EXPECT_NE(std::string::npos, testing::internal::GetCapturedStdout().find("theAnswerSupervision = 1\n"));
+  for (uint8_t stored : {0, 7}) {
+    setByte("SUPERVISE", stored);
+    testing::internal::CaptureStdout();
+    get();
+    fflush(stdout);
+    EXPECT_NE(std::string::npos, testing::internal::GetCapturedStdout().find(
+                                     stored ? "theAnswerSupervision = 1\n" : "theAnswerSupervision = 0\n"));
+  }
   root.setFault("reg-read", "CDR", "CDRService", "SUPERVISE", 9);
   testing::internal::CaptureStdout();
   get();
