@@ -29,6 +29,7 @@ TEST(DigitBinEncodingTest, RowsDecodeUpToTheFirstByteOfTwelveOrMore) {
 TEST(DigitBinEncodingTest, TextsEncodeLeftAlignedUpToTheFirstNonDigit) {
   const struct { const char* text; Bytes row; int returned; } cases[] = {
       {"123", {1, 2, 3, 12, 12, 0xAA}, 3},
+      {"1090", {1, 0, 9, 0, 12, 0xAA}, 4},
       {"", {12, 12, 12, 12, 12, 0xAA}, 0},
       {"12a4", {1, 2, 12, 12, 12, 0xAA}, 4},
       {"1234567", {1, 2, 3, 4, 5, 0xAA}, 7},  // the byte after the row stays

@@ -212,7 +212,7 @@ TEST_F(LoadedModuleTest, StdExceptionBecomesFailedWithTheComposedMessageAlsoLogg
   EXPECT_EQ(kSource, error.file);
   EXPECT_EQ(text, error.message);
   ASSERT_EQ(1u, log->size());
-  EXPECT_EQ("ERROR: " + text, (*log)[0]);
+  EXPECT_EQ("CDRProvider ERROR: " + text, (*log)[0]);
 }
 
 // Each operation's failures carry its own line, and a translated exception
@@ -277,7 +277,7 @@ TEST_F(LoadedModuleTest, FailuresNameTheOperationAndClassAtTheirLines) {
     // The cast failure's own text follows the class name.
     EXPECT_EQ(row.message, error.message.substr(0, row.message.size())) << row.line;
     ASSERT_EQ(logged + 1, log->size()) << row.line;
-    EXPECT_EQ("ERROR: " + error.message, log->back());
+    EXPECT_EQ("CDRProvider ERROR: " + error.message, log->back());
   }
 
   root.setFault("reg-read", "CDR", "CDRPush", "TransferType", 0x99);

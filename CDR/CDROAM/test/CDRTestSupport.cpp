@@ -12,16 +12,19 @@ namespace {
 
 class RecordingLogger : public OW::Logger {
  public:
-  explicit RecordingLogger(LogRecord record)
-      : OW::Logger("cdrtest", OW::E_ALL_LEVEL), m_record(record) {}
+  RecordingLogger(LogRecord record, const OW::String& component)
+      : OW::Logger(component, OW::E_ALL_LEVEL), m_record(record) {}
 
  protected:
   void doProcessLogMessage(const OW::LogMessage& message) const override {
     if (m_record) {
-      m_record->push_back(std::string(message.category.c_str()) + ": " + message.message.c_str());
+      m_record->push_back(std::string(message.component.c_str()) + " " + message.category.c_str() + ": " +
+                          message.message.c_str());
     }
   }
-  OW::LoggerRef doClone() const override { return OW::LoggerRef(new RecordingLogger(m_record)); }
+  OW::LoggerRef doClone() const override {
+    return OW::LoggerRef(new RecordingLogger(m_record, getDefaultComponent()));
+  }
 
  private:
   LogRecord m_record;
@@ -33,9 +36,9 @@ class TestEnvironment : public OW::ProviderEnvironmentIFC {
   OW::CIMOMHandleIFCRef getCIMOMHandle() const override { return OW::CIMOMHandleIFCRef(); }
   OW::CIMOMHandleIFCRef getRepositoryCIMOMHandle() const override { return OW::CIMOMHandleIFCRef(); }
   OW::RepositoryIFCRef getRepository() const override { return OW::RepositoryIFCRef(); }
-  OW::LoggerRef getLogger() const override { return OW::LoggerRef(new RecordingLogger(m_record)); }
-  OW::LoggerRef getLogger(const OW::String&) const override {
-    return OW::LoggerRef(new RecordingLogger(m_record));
+  OW::LoggerRef getLogger() const override { return OW::LoggerRef(new RecordingLogger(m_record, "owcimomd")); }
+  OW::LoggerRef getLogger(const OW::String& component) const override {
+    return OW::LoggerRef(new RecordingLogger(m_record, component));
   }
   OW::String getConfigItem(const OW::String&, const OW::String& defRetVal) const override {
     return defRetVal;

@@ -33,7 +33,7 @@ namespace cdrtest {
 namespace OW = OW_NAMESPACE;
 
 // Everything the provider environment's logger was given, as
-// "<category>: <message>".
+// "<component> <category>: <message>".
 typedef std::shared_ptr<std::vector<std::string>> LogRecord;
 
 // A provider environment for tests; its logger appends to `record`.

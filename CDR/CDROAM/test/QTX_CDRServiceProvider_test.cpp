@@ -86,8 +86,12 @@ TEST_F(ServiceProviderTest, InstanceHoldsTheStoredValuesInOrderWithTheirCIMTypes
 }
 
 TEST_F(ServiceProviderTest, ReportTypeValidValuesFollowTheFormatReadBeforeIt) {
-  setByte("FORMAT", 0);
   setByte("TYPE", 1);
+  setByte("FORMAT", 2);
+  root.setFault("reg-read", "CDR", "CDRService", "FORMAT", 5);
+  EXPECT_EQ("0,1", qualifierText(get(), "ReportType", "ValidValueMap"));  // none read yet: format 0
+  root.clearFaults();
+  setByte("FORMAT", 0);
   OW::CIMInstance instance = get();
   EXPECT_EQ("0,1", qualifierText(instance, "ReportType", "ValidValueMap"));
   OW::CIMQualifier q = instance.getProperty("ReportType").getQualifier("ValidValueMap");
