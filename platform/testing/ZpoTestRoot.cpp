@@ -92,6 +92,12 @@ bool TempZpoRoot::hasEntry(const std::string& c, const std::string& s, const std
   return zpo::withProcessStore([&](zpo::RegistryStore& store) { return store.read(c, s, k, &entry); }) == ZPO_OK;
 }
 
+void TempZpoRoot::removeEntry(const std::string& c, const std::string& s, const std::string& k) {
+  if (zpo::withProcessStore([&](zpo::RegistryStore& store) { return store.remove(c, s, k); }) != ZPO_OK) {
+    throw std::runtime_error("cannot remove " + c + "/" + s + "/" + k);
+  }
+}
+
 TempZpoRoot::Queue TempZpoRoot::createQueue(const std::string& name, long maxMessages) {
   const std::string posixName = zpo::posixQueueName(canonicalPath_, name);
   if (posixName.empty()) throw std::invalid_argument("bad queue name " + name);

@@ -33,6 +33,8 @@ class TempZpoRoot {
   // Bytes of a binary entry; empty when absent or of another kind (use hasEntry).
   std::vector<uint8_t> binary(const std::string& c, const std::string& s, const std::string& k) const;
   bool hasEntry(const std::string& c, const std::string& s, const std::string& k) const;
+  // Removes an entry, as restoring a backup without it does.
+  void removeEntry(const std::string& c, const std::string& s, const std::string& k);
 
   // A POSIX queue owned by the test, as the CDR service owns its queue.
   class Queue {

@@ -29,6 +29,17 @@ TEST_F(InstanceManagerTest, LookupsOfUnknownKeysAndExhaustedCursorsThrowNoInstan
   EXPECT_THROW(manager.next(), CFG_NoInstance);
 }
 
+TEST_F(InstanceManagerTest, CursorStepsPastAnObjectRemovedUnderIt) {
+  QTX_CDRServiceImpl first("1", "", "", "");
+  QTX_CDRServiceImpl* second = new QTX_CDRServiceImpl("2", "", "", "");
+  QTX_CDRServiceImpl third("3", "", "", "");
+  manager.startIteration();
+  EXPECT_EQ(&first, manager.next());
+  delete second;  // the cursor's object
+  EXPECT_EQ(&third, manager.next());
+  EXPECT_FALSE(manager.hasNext());
+}
+
 TEST_F(InstanceManagerTest, KeysAreConcatenatedWithoutSeparatorSoTheyCanCollide) {
   QTX_CDRServiceImpl first("a", "bc", "x", "y");
   QTX_CDRServiceImpl second("ab", "c", "x", "y");

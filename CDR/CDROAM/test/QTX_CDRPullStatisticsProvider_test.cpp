@@ -144,6 +144,12 @@ TEST_F(PullStatisticsTest, MissingEntriesReadAsZeroOrEmptyAndOnlyTheFlagIsCreate
   }
   EXPECT_EQ((std::vector<uint8_t>{0}), entry("CDRPull", "Pull-IncludeMetricsFlag"));
   EXPECT_TRUE(log().empty());
+  // A flag that went away again is created as 0, whatever was read before.
+  setFlag(1);
+  EXPECT_EQ("true", propertyText(get(), "IncludeMetricsFlag"));
+  root.removeEntry("CDR", "CDRPull", "Pull-IncludeMetricsFlag");
+  EXPECT_EQ("false", propertyText(get(), "IncludeMetricsFlag"));
+  EXPECT_EQ((std::vector<uint8_t>{0}), entry("CDRPull", "Pull-IncludeMetricsFlag"));
 }
 
 TEST_F(PullStatisticsTest, FailedReadLeavesOnlyThatPropertyOutAndIsLogged) {
