@@ -94,6 +94,16 @@ class CDRProvider : public OW_NAMESPACE::CppMethodProviderIFC,
                               const String& ns, const CIMObjectPath& objectName,
                               const String& resultClass, const String& role);
 
+  // Always false: the module must not be unloaded while the process runs.
+  // initialize registers state for the life of the process (the platform's
+  // backup/restore callback into this library, the diagnostic log, the 17
+  // managed objects in myInstance); an unload would leave the platform
+  // calling into unmapped code, and a reload would register everything a
+  // second time. OpenWBEM 3.0's idle unloader also crashes the object
+  // manager when it removes a provider, five minutes (cppprovifc.prov_TTL)
+  // after the last request.
+  virtual bool canUnload();
+
   // Calls cleanup of the six class providers; the managed instances live on.
   void cleanup();
 };

@@ -317,6 +317,8 @@ void CDRProvider::referenceNames(const ProviderEnvironmentIFCRef&,
   throw CIMException(kSourcePath, kReferenceNamesLine, CIMException::INVALID_CLASS);
 }
 
+bool CDRProvider::canUnload() { return false; }
+
 void CDRProvider::cleanup() {
   CDREntryLock hold;
   QTX_CDRPushSettingProv.cleanup();

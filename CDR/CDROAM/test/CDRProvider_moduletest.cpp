@@ -148,6 +148,10 @@ TEST_F(LoadedModuleTest, InitializationCreatesTheSeventeenObjectsWithTheirTraces
   }
   EXPECT_STREQ("CDRServicePrefixBin_7",
                names("QTX_CDRServicePrefixBin")[7].getKeys()[0].getValue().toString().c_str());
+  // What it registered lives as long as the process: an idle unloader
+  // must leave it loaded, whatever the persist flag says.
+  EXPECT_FALSE(base->canUnload());
+  EXPECT_FALSE(base->getPersist());
 }
 
 TEST_F(LoadedModuleTest, ClassNamesAreMatchedExactlyAndCaseSensitively) {
