@@ -138,6 +138,7 @@ public:
     HostProcess& operator=(const HostProcess&) = delete;
 
     bool running() const { return pid_ > 0 && port_ > 0; }
+    pid_t pid() const { return pid_; }
     int port() const { return port_; }
     std::string log() const { return readFile(logPath_); }
     // Exit code once stopped (or when it failed to start), else -1.
