@@ -88,7 +88,7 @@ protected:
         return json::parse(result.out);
     }
     CommandResult zpo(const std::string& arguments) {
-        return runCommand(std::string(ZPO_BINARY) + " " + arguments, scratch);
+        return runCommand(cimhost::test::zpoCommand() + " " + arguments, scratch);
     }
     std::string entry(const std::string& section, const std::string& key) {
         return zpo("reg get CDR " + section + " '" + key + "'").out;

@@ -179,7 +179,7 @@ protected:
         url = "http://127.0.0.1:" + std::to_string(host->port()) + "/root/cimv2";
     }
 
-    CommandResult zpo(const std::string& arguments) { return runCommand(std::string(ZPO_BINARY) + " " + arguments, scratch); }
+    CommandResult zpo(const std::string& arguments) { return runCommand(zpoCommand() + " " + arguments, scratch); }
 
     TempDir state;
     TempDir scratch;

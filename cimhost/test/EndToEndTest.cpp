@@ -76,7 +76,7 @@ protected:
 
     // Listens on the CDR service's queue until `count` messages arrived.
     void listenToCdrService(int count) {
-        CommandResult started = runCommand(std::string(ZPO_BINARY) + " queue listen CDRService --count " +
+        CommandResult started = runCommand(zpoCommand() + " queue listen CDRService --count " +
                                                std::to_string(count) + " --timeout 30 >" + state.file("queue.out") +
                                                " 2>&1 & echo $!",
                                            scratch);
@@ -97,7 +97,7 @@ protected:
     CommandResult wbemcli(const std::string& arguments) {
         return runCommand(std::string("wbemcli ") + (overTls ? "-noverify " : "") + arguments, scratch);
     }
-    CommandResult zpo(const std::string& arguments) { return runCommand(std::string(ZPO_BINARY) + " " + arguments, scratch); }
+    CommandResult zpo(const std::string& arguments) { return runCommand(zpoCommand() + " " + arguments, scratch); }
     CommandResult curl(const std::string& method, const std::string& body, const std::string& extra = "") {
         std::ofstream(scratch.file("body.xml")) << body;
         return runCommand("curl -s -k -o " + scratch.file("response.xml") + " -D - -H 'Content-Type: application/xml' "

@@ -90,6 +90,16 @@ inline const ExternalServer* externalServer() {
     return server;
 }
 
+#ifdef ZPO_BINARY
+// The zpo command the tests read and change the device state with: the
+// build's, or CDR_E2E_ZPO where the object manager runs on another CPU
+// (zpo of that CPU's build, under its emulator).
+inline std::string zpoCommand() {
+    const char* command = std::getenv("CDR_E2E_ZPO");
+    return command && *command ? command : ZPO_BINARY;
+}
+#endif
+
 // Whether the object manager under test answers as OpenWBEM 3.2 does where
 // the 3.0 series (and cimhost) differ.
 inline bool answersAs32() { return externalServer() && externalServer()->series == "3.2"; }

@@ -92,7 +92,7 @@ protected:
     std::string traces() const { return tracesFile.empty() ? "" : readFile(tracesFile); }
 
     CommandResult zpo(const std::string& arguments) {
-        return runCommand(std::string(ZPO_BINARY) + " " + arguments, scratch);
+        return runCommand(zpoCommand() + " " + arguments, scratch);
     }
     CommandResult wbemcli(const std::string& arguments) { return runCommand("wbemcli " + arguments, scratch); }
     std::string diagnosticLog() { return readFile(environment("ZPO_ROOT") + "/log/CdrOAM.log"); }

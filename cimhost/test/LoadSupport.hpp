@@ -248,7 +248,7 @@ inline std::vector<CimCall> enumerationsAndGets() {
 // when the entry is missing or not binary.
 inline std::optional<std::vector<unsigned>> registryBinary(const std::string& section, const std::string& key,
                                                            const TempDir& scratch) {
-    CommandResult got = runCommand(std::string(ZPO_BINARY) + " reg get CDR " + section + " '" + key + "'", scratch);
+    CommandResult got = runCommand(zpoCommand() + " reg get CDR " + section + " '" + key + "'", scratch);
     if (got.exitCode != 0 || got.out.rfind("binary", 0) != 0) return std::nullopt;
     std::vector<unsigned> bytes;
     std::istringstream words(got.out.substr(6));
