@@ -81,6 +81,7 @@ Flags::EIncludeClassOriginFlag classOriginFlag(bool on) {
 struct OperationDispatcher::Context {
     OW::ProviderEnvironmentIFCRef env;
     std::string nameSpace;
+    std::shared_ptr<LoadedProvider> provider;  // once the request needs it
     String ns() const { return String(nameSpace.c_str()); }
 };
 
@@ -115,8 +116,15 @@ const ClassDefinition& OperationDispatcher::requireInstanceClass(const std::stri
     return requireClass(className, CIMException::INVALID_CLASS, classPathText(context.nameSpace, className));
 }
 
-OW::CppInstanceProviderIFC& OperationDispatcher::instanceProviderFor(const ClassDefinition& cls) const {
-    OW::CppInstanceProviderIFC* provider = isBound(cls.qualifiers) ? module_->instanceProvider() : nullptr;
+LoadedProvider& OperationDispatcher::providerFor(Context& context) const {
+    // Held to the end of the request: an unload meanwhile waits for it.
+    if (!context.provider) context.provider = module_->acquire(context.env);
+    return *context.provider;
+}
+
+OW::CppInstanceProviderIFC& OperationDispatcher::instanceProviderFor(const ClassDefinition& cls,
+                                                                     Context& context) const {
+    OW::CppInstanceProviderIFC* provider = isBound(cls.qualifiers) ? providerFor(context).instanceProvider() : nullptr;
     if (provider) return *provider;
     // As the object manager answers when its provider manager has no such
     // instance provider.
@@ -147,7 +155,7 @@ std::string OperationDispatcher::handle(const CimRequest& request, const std::st
     try {
         try {
             Context context{OW::ProviderEnvironmentIFCRef(new HostProviderEnvironment(log_, userName)),
-                            request.nameSpace};
+                            request.nameSpace, nullptr};
             if (request.intrinsic) {
                 runIntrinsic(request, context, content);
             } else {
@@ -384,7 +392,7 @@ void OperationDispatcher::enumerateInstanceNames(const CimRequest& request, Cont
     for (const ClassDefinition* sub : selectClasses(classes_, top.name, true)) covered.push_back(sub);
     for (const ClassDefinition* cls : covered) {
         if (cls != &top && !isBound(cls->qualifiers)) continue;
-        instanceProviderFor(*cls).enumInstanceNames(context.env, context.ns(), String(cls->name.c_str()), handler,
+        instanceProviderFor(*cls, context).enumInstanceNames(context.env, context.ns(), String(cls->name.c_str()), handler,
                                                     apiClass(*cls));
     }
     xml.start("IRETURNVALUE");
@@ -407,7 +415,7 @@ void OperationDispatcher::enumerateInstances(const CimRequest& request, Context&
     for (const ClassDefinition* sub : selectClasses(classes_, top.name, true)) covered.push_back(sub);
     for (const ClassDefinition* cls : covered) {
         if (cls != &top && !isBound(cls->qualifiers)) continue;
-        instanceProviderFor(*cls).enumInstances(
+        instanceProviderFor(*cls, context).enumInstances(
             context.env, context.ns(), String(cls->name.c_str()), handler, localOnlyFlag(localOnly),
             deep ? Flags::E_DEEP : Flags::E_SHALLOW, qualifiersFlag(includeQualifiers),
             classOriginFlag(includeClassOrigin), list ? &propertyList : nullptr, apiClass(top), apiClass(*cls));
@@ -430,7 +438,7 @@ OW::CIMInstance OperationDispatcher::providerGetInstance(Context& context, const
                                                          const OW::StringArray* propertyList) {
     const OW::CIMClass& apiCls = apiClass(cls);
     syncPathWithClass(path, apiCls);
-    OW::CIMInstance instance = instanceProviderFor(cls).getInstance(
+    OW::CIMInstance instance = instanceProviderFor(cls, context).getInstance(
         context.env, context.ns(), path, localOnlyFlag(localOnly), qualifiersFlag(includeQualifiers),
         classOriginFlag(includeClassOrigin), propertyList, apiCls);
     if (!instance) throwCim(CIMException::FAILED, "Provider erroneously returned a NULL CIMInstance");
@@ -455,7 +463,7 @@ void OperationDispatcher::getInstance(const CimRequest& request, Context& contex
 void OperationDispatcher::applyModification(Context& context, const ClassDefinition& cls, OW::CIMInstance modified,
                                             bool includeQualifiers, const OW::StringArray* propertyList) {
     const OW::CIMClass& apiCls = apiClass(cls);
-    OW::CppInstanceProviderIFC& provider = instanceProviderFor(cls);
+    OW::CppInstanceProviderIFC& provider = instanceProviderFor(cls, context);
     syncInstanceWithClass(modified, apiCls);
     OW::CIMInstance previous = providerGetInstance(context, cls, OW::CIMObjectPath(context.ns(), modified), false,
                                                    true, true, nullptr);
@@ -486,7 +494,7 @@ void OperationDispatcher::createInstance(const CimRequest& request, Context& con
     }
     OW::CIMInstance instance = instanceFromText(*text, context.nameSpace);
     syncInstanceWithClass(instance, apiClass(cls));
-    OW::CIMObjectPath created = instanceProviderFor(cls).createInstance(context.env, context.ns(), instance);
+    OW::CIMObjectPath created = instanceProviderFor(cls, context).createInstance(context.env, context.ns(), instance);
     if (!created) created = OW::CIMObjectPath(context.ns(), instance);
     xml.start("IRETURNVALUE");
     writeInstanceName(xml, created);
@@ -501,7 +509,7 @@ void OperationDispatcher::deleteInstance(const CimRequest& request, Context& con
     // The object must exist before it can go.
     providerGetInstance(context, cls, path, false, true, true, nullptr);
     syncPathWithClass(path, apiClass(cls));
-    instanceProviderFor(cls).deleteInstance(context.env, context.ns(), path);
+    instanceProviderFor(cls, context).deleteInstance(context.env, context.ns(), path);
 }
 
 void OperationDispatcher::getProperty(const CimRequest& request, Context& context, XmlWriter& xml) {
@@ -616,7 +624,7 @@ void OperationDispatcher::runExtrinsic(const CimRequest& request, Context& conte
     const MethodDefinition* method = cls.findMethod(request.methodName);
     if (!method) throwCim(CIMException::METHOD_NOT_FOUND, request.methodName);
     OW::CppMethodProviderIFC* provider = isBound(method->qualifiers) || isBound(cls.qualifiers)
-                                             ? module_->methodProvider()
+                                             ? providerFor(context).methodProvider()
                                              : nullptr;
     if (!provider) throwCim(CIMException::NOT_FOUND, "No provider for method " + request.methodName);
     OW::CIMMethod declared = apiCls.getMethod(OW::CIMName(String(method->name.c_str())));

@@ -65,7 +65,10 @@ private:
                                         const std::string& message) const;
     // As instance operations look a class up: CIM_ERR_INVALID_CLASS.
     const ClassDefinition& requireInstanceClass(const std::string& className, const Context& context) const;
-    OpenWBEM::CppInstanceProviderIFC& instanceProviderFor(const ClassDefinition& cls) const;
+    // The module's provider for this request, loaded again if it was
+    // unloaded.
+    LoadedProvider& providerFor(Context& context) const;
+    OpenWBEM::CppInstanceProviderIFC& instanceProviderFor(const ClassDefinition& cls, Context& context) const;
     bool isBound(const std::vector<Qualifier>& qualifiers) const;
     const OpenWBEM::CIMClass& apiClass(const ClassDefinition& cls);
     // The provider's instance at `path` (its keys fitted to the class first);

@@ -17,6 +17,9 @@ const char* usageText() {
            "  --tls-key FILE      and this PEM private key\n"
            "  --max-connections N connections served at once; more are answered 503 (default 512)\n"
            "  --request-timeout S seconds a client has to send one request (default 10)\n"
+           "  --provider-ttl MIN  unload the provider after MIN idle minutes when it allows it, as\n"
+           "                      cppprovifc.prov_TTL (default 5; 0: at the next poll; -1: never)\n"
+           "  --unload-poll S     seconds between two checks for idle providers (default 60)\n"
            "  --log FILE          log to FILE (default: standard error)\n"
            "  --help              this text\n"
            "The platform state directory comes from ZPO_ROOT.\n";
@@ -66,6 +69,15 @@ Options parseOptions(int argc, char** argv, const std::string& defaultProvider, 
             options.maxConnections = positiveNumber(arg, value());
         } else if (arg == "--request-timeout") {
             options.requestTimeoutSeconds = positiveNumber(arg, value());
+        } else if (arg == "--provider-ttl") {
+            std::string minutes = value();
+            try {
+                options.providerTtlMinutes = minutes == "-1" ? -1 : minutes == "0" ? 0 : positiveNumber(arg, minutes);
+            } catch (const UsageError&) {
+                throw UsageError("--provider-ttl needs minutes (a whole number, 0, or -1 for never), not " + minutes);
+            }
+        } else if (arg == "--unload-poll") {
+            options.unloadPollSeconds = positiveNumber(arg, value());
         } else if (arg == "--insecure") {
             options.insecure = true;
         } else if (arg == "--listen") {

@@ -23,6 +23,8 @@ struct Options {
     std::string tlsKey;
     int maxConnections = 512;
     int requestTimeoutSeconds = 10;
+    int providerTtlMinutes = 5;  // OpenWBEM's cppprovifc.prov_TTL; -1: never unload
+    int unloadPollSeconds = 60;  // OpenWBEM's unloader polls once a minute
     bool insecure = false;
     bool help = false;
 };

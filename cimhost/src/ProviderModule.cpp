@@ -78,41 +78,104 @@ OW::ProviderEnvironmentIFCRef HostProviderEnvironment::clone() const {
     return OW::ProviderEnvironmentIFCRef(new HostProviderEnvironment(log_, userName_));
 }
 
-ProviderModule::ProviderModule(const std::string& path, HostLog& log) : path_(path), id_(providerIdFromPath(path)) {
+LoadedProvider::LoadedProvider(const std::string& path, const std::string& id, HostLog& log) {
     library_ = dlopen(path.c_str(), RTLD_NOW | RTLD_GLOBAL);
     if (!library_) throw ProviderLoadError("cannot load provider library " + path + ": " + dlerror());
-    using VersionFunction = const char* (*)();
-    auto version = reinterpret_cast<VersionFunction>(dlsym(library_, "getOWVersion"));
-    if (!version) throw ProviderLoadError("provider library " + path + " has no getOWVersion: not a provider module");
-    const char* moduleVersion = version();
-    if (!moduleVersion || std::strcmp(moduleVersion, OW_VERSION) != 0) {
-        throw ProviderLoadError("provider library " + path + " was built for provider interface version " +
-                                (moduleVersion ? moduleVersion : "(none)") + ", this host has " + OW_VERSION);
+    try {
+        using VersionFunction = const char* (*)();
+        auto version = reinterpret_cast<VersionFunction>(dlsym(library_, "getOWVersion"));
+        if (!version) throw ProviderLoadError("provider library " + path + " has no getOWVersion: not a provider module");
+        const char* moduleVersion = version();
+        if (!moduleVersion || std::strcmp(moduleVersion, OW_VERSION) != 0) {
+            throw ProviderLoadError("provider library " + path + " was built for provider interface version " +
+                                    (moduleVersion ? moduleVersion : "(none)") + ", this host has " + OW_VERSION);
+        }
+        std::string factoryName = "createProvider" + id;
+        using FactoryFunction = OW::CppProviderBaseIFC* (*)();
+        auto factory = reinterpret_cast<FactoryFunction>(dlsym(library_, factoryName.c_str()));
+        if (!factory) throw ProviderLoadError("provider library " + path + " does not contain " + factoryName);
+        OW::CppProviderBaseIFC* provider = factory();
+        if (!provider) throw ProviderLoadError(factoryName + " of " + path + " returned no provider");
+        provider_ = OW::IntrusiveReference<OW::CppProviderBaseIFC>(provider);
+        log.info("loaded provider " + id + " from " + path + " (interface version " + moduleVersion + ")");
+    } catch (...) {
+        // The library opened but holds no usable provider: the object
+        // manager closes it again.
+        dlclose(library_);
+        throw;
     }
-    std::string factoryName = "createProvider" + id_;
-    using FactoryFunction = OW::CppProviderBaseIFC* (*)();
-    auto factory = reinterpret_cast<FactoryFunction>(dlsym(library_, factoryName.c_str()));
-    if (!factory) throw ProviderLoadError("provider library " + path + " does not contain " + factoryName);
-    OW::CppProviderBaseIFC* provider = factory();
-    if (!provider) throw ProviderLoadError(factoryName + " of " + path + " returned no provider");
-    provider_ = OW::IntrusiveReference<OW::CppProviderBaseIFC>(provider);
-    log.info("loaded provider " + id_ + " from " + path + " (interface version " + moduleVersion + ")");
 }
 
-ProviderModule::~ProviderModule() {
-    // The library stays mapped: the module's static objects are destroyed
-    // at process exit, after the provider object.
+LoadedProvider::~LoadedProvider() {
     provider_ = OW::IntrusiveReference<OW::CppProviderBaseIFC>();
+    if (closeLibrary_) dlclose(library_);
 }
 
-void ProviderModule::initialize(const OW::ProviderEnvironmentIFCRef& env) { provider_->initialize(env); }
+ProviderModule::ProviderModule(const std::string& path, HostLog& log)
+    : path_(path), id_(providerIdFromPath(path)), log_(log),
+      current_(std::make_shared<LoadedProvider>(path_, id_, log_)) {}
 
-void ProviderModule::shuttingDown(const OW::ProviderEnvironmentIFCRef& env) { provider_->shuttingDown(env); }
+ProviderModule::~ProviderModule() = default;
 
-OW::CppInstanceProviderIFC* ProviderModule::instanceProvider() const { return provider_->getInstanceProvider(); }
-OW::CppMethodProviderIFC* ProviderModule::methodProvider() const { return provider_->getMethodProvider(); }
+void ProviderModule::initialize(const OW::ProviderEnvironmentIFCRef& env) { acquire(env)->provider().initialize(env); }
+
+void ProviderModule::shuttingDown(const OW::ProviderEnvironmentIFCRef& env) {
+    std::shared_ptr<LoadedProvider> current;
+    {
+        std::lock_guard<std::mutex> lock(mutex_);
+        current = current_;
+    }
+    if (current) current->provider().shuttingDown(env);
+}
+
+std::shared_ptr<LoadedProvider> ProviderModule::acquire(const OW::ProviderEnvironmentIFCRef& env) {
+    std::lock_guard<std::mutex> lock(mutex_);
+    if (!current_) {
+        // Loaded again after an unload; requests for it wait meanwhile, as
+        // owcimomd's wait for a provider another thread initialises.
+        auto loaded = std::make_shared<LoadedProvider>(path_, id_, log_);
+        try {
+            loaded->provider().initialize(env);
+        } catch (...) {
+            loaded->closeLibraryWithProvider();
+            throw;
+        }
+        current_ = loaded;
+    }
+    current_->provider().updateAccessTime();
+    return current_;
+}
+
+bool ProviderModule::unloadIfIdle(int ttlMinutes, time_t now) {
+    if (ttlMinutes < 0) return false;
+    std::lock_guard<std::mutex> lock(mutex_);
+    if (!current_) return false;
+    OW::CppProviderBaseIFC& provider = current_->provider();
+    if (provider.getPersist()) return false;
+    OW::DateTime expires(provider.getLastAccessTime().get() + static_cast<time_t>(ttlMinutes) * 60);
+    if (!(expires < OW::DateTime(now)) || !provider.canUnload()) return false;
+    log_.info("Unloading Provider " + id_);
+    current_->closeLibraryWithProvider();
+    current_.reset();
+    return true;
+}
+
+bool ProviderModule::loaded() const {
+    std::lock_guard<std::mutex> lock(mutex_);
+    return current_ != nullptr;
+}
+
+OW::CppInstanceProviderIFC* ProviderModule::instanceProvider() const {
+    std::lock_guard<std::mutex> lock(mutex_);
+    return current_ ? current_->instanceProvider() : nullptr;
+}
+OW::CppMethodProviderIFC* ProviderModule::methodProvider() const {
+    std::lock_guard<std::mutex> lock(mutex_);
+    return current_ ? current_->methodProvider() : nullptr;
+}
 OW::CppAssociatorProviderIFC* ProviderModule::associatorProvider() const {
-    return provider_->getAssociatorProvider();
+    std::lock_guard<std::mutex> lock(mutex_);
+    return current_ ? current_->associatorProvider() : nullptr;
 }
 
 }  // namespace cimhost

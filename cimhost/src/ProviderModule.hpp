@@ -1,10 +1,13 @@
 // Loads a provider module as OpenWBEM's C++ provider interface does: the
 // library is opened with dlopen, its getOWVersion must equal the host's
 // OW_VERSION, and createProvider<id> makes the one provider object, where
-// <id> is the file name without a leading "lib" and without ".so".
+// <id> is the file name without a leading "lib" and without ".so". Idle
+// providers are unloaded and loaded again as OpenWBEM 3.2 does.
 #pragma once
 
+#include <ctime>
 #include <memory>
+#include <mutex>
 #include <stdexcept>
 #include <string>
 
@@ -66,12 +69,45 @@ private:
     std::string userName_;
 };
 
-class ProviderModule {
+// One load of a provider library: the library and the one provider object
+// its createProvider<id> made. Requests hold it while they run, so an unload
+// never pulls a provider from under a call: the provider object is destroyed,
+// and then the library closed, when the last holder lets go.
+class LoadedProvider {
 public:
     // Opens the library and creates its provider. Throws ProviderLoadError
     // with a message naming the library on any failure (missing file,
     // missing getOWVersion or createProvider<id>, other version, null
     // provider).
+    LoadedProvider(const std::string& path, const std::string& id, HostLog& log);
+    ~LoadedProvider();
+    LoadedProvider(const LoadedProvider&) = delete;
+    LoadedProvider& operator=(const LoadedProvider&) = delete;
+
+    OW::CppProviderBaseIFC& provider() const { return *provider_; }
+    // The provider's interfaces; null when it does not offer one.
+    OW::CppInstanceProviderIFC* instanceProvider() const { return provider_->getInstanceProvider(); }
+    OW::CppMethodProviderIFC* methodProvider() const { return provider_->getMethodProvider(); }
+    OW::CppAssociatorProviderIFC* associatorProvider() const { return provider_->getAssociatorProvider(); }
+
+    // Set once the object manager has dropped this load: the library is
+    // closed with the provider. A load that is never dropped stays mapped,
+    // and the module's static objects are destroyed at process exit.
+    void closeLibraryWithProvider() { closeLibrary_ = true; }
+
+private:
+    void* library_ = nullptr;
+    bool closeLibrary_ = false;
+    OW::IntrusiveReference<OW::CppProviderBaseIFC> provider_;
+};
+
+// The provider of one library, as the object manager's C++ provider
+// interface keeps it: loaded and initialised at start-up, handed to each
+// request (which marks it accessed), unloaded by the idle unloader when it
+// allows it, and loaded and initialised again by the next request.
+class ProviderModule {
+public:
+    // Loads the library and creates its provider (see LoadedProvider).
     ProviderModule(const std::string& path, HostLog& log);
     ~ProviderModule();
     ProviderModule(const ProviderModule&) = delete;
@@ -80,11 +116,26 @@ public:
     const std::string& id() const { return id_; }
     const std::string& path() const { return path_; }
 
-    // Runs the provider's initialize once; exceptions propagate.
+    // Runs the provider's initialize; exceptions propagate.
     void initialize(const OW::ProviderEnvironmentIFCRef& env);
+    // Tells the provider, if it is loaded, that the host stops.
     void shuttingDown(const OW::ProviderEnvironmentIFCRef& env);
 
-    // The provider's interfaces; null when it does not offer one.
+    // The loaded provider for one request, marked accessed now. After an
+    // unload the library is loaded and the provider initialised again (with
+    // `env`) first; a failure there throws (ProviderLoadError, or what
+    // initialize threw) and leaves the provider unloaded.
+    std::shared_ptr<LoadedProvider> acquire(const OW::ProviderEnvironmentIFCRef& env);
+
+    // OpenWBEM's unloader: drops the provider when it is loaded, not
+    // persistent, last accessed more than `ttlMinutes` minutes ago and its
+    // canUnload() answers true. A negative TTL never unloads. True when it
+    // dropped it.
+    bool unloadIfIdle(int ttlMinutes, time_t now = time(nullptr));
+    bool loaded() const;
+
+    // The provider's interfaces in the current load; null when it does not
+    // offer one or is not loaded.
     OW::CppInstanceProviderIFC* instanceProvider() const;
     OW::CppMethodProviderIFC* methodProvider() const;
     OW::CppAssociatorProviderIFC* associatorProvider() const;
@@ -92,8 +143,9 @@ public:
 private:
     std::string path_;
     std::string id_;
-    void* library_ = nullptr;
-    OW::IntrusiveReference<OW::CppProviderBaseIFC> provider_;
+    HostLog& log_;
+    mutable std::mutex mutex_;  // guards current_ and serialises loading
+    std::shared_ptr<LoadedProvider> current_;
 };
 
 }  // namespace cimhost

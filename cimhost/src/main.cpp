@@ -1,6 +1,8 @@
 // cimhost: serves a CIM provider module over CIM-XML/HTTP.
 #include <atomic>
 #include <chrono>
+#include <condition_variable>
+#include <mutex>
 #include <csignal>
 #include <cstdio>
 #include <iostream>
@@ -133,10 +135,34 @@ int main(int argc, char** argv) {
             std::this_thread::sleep_for(std::chrono::milliseconds(20));
         }
     });
+    // OpenWBEM's unloader: a polled provider that drops idle providers.
+    std::mutex unloaderMutex;
+    std::condition_variable unloaderWake;
+    bool unloaderStops = false;
+    std::thread unloader;
+    if (options.providerTtlMinutes >= 0) {
+        unloader = std::thread([&] {
+            std::unique_lock<std::mutex> lock(unloaderMutex);
+            while (!unloaderWake.wait_for(lock, std::chrono::seconds(options.unloadPollSeconds),
+                                          [&] { return unloaderStops; })) {
+                lock.unlock();
+                module->unloadIfIdle(options.providerTtlMinutes);
+                lock.lock();
+            }
+        });
+    }
     bool served = server.serve();
     serving = false;
     if (served) signalWaiter.join();
     else signalWaiter.detach();
+    if (unloader.joinable()) {
+        {
+            std::lock_guard<std::mutex> lock(unloaderMutex);
+            unloaderStops = true;
+        }
+        unloaderWake.notify_all();
+        unloader.join();
+    }
     module->shuttingDown(OpenWBEM::ProviderEnvironmentIFCRef(new HostProviderEnvironment(*log, "")));
     log->info("stopped");
     return served ? 0 : 1;

@@ -3,7 +3,8 @@
 // through the provider environment's logger so that tests can read exactly
 // what the host passed. Special key values make it fail on purpose:
 // "missing" (not found), "cim" (CIMException 4 with a message), "std"
-// (std::runtime_error) and "int" (a thrown int).
+// (std::runtime_error) and "int" (a thrown int). It lets the host unload
+// it when idle (OpenWBEM's default canUnload()).
 #include <stdexcept>
 #include <string>
 
@@ -95,6 +96,10 @@ void failOnPurpose(const String& id) {
     if (id.equals("int")) throw 42;
 }
 
+// State of one load of the library: it starts again at 0 when the host has
+// unloaded the library and loads it anew. Id "pings" reads it as Count.
+unsigned pingsSinceLoad = 0;
+
 class TestProvider : public CppMethodProviderIFC, public CppAssociatorProviderIFC {
 public:
     void initialize(const ProviderEnvironmentIFCRef& env) override { record(env, "initialize"); }
@@ -127,7 +132,9 @@ public:
         record(env, "getInstance ns=" + ns + " class=" + name.getClassName() + " Id=" + id +
                         " qualifiers=" + String(Int32(includeQualifiers)) + " list=" + listText(propertyList));
         failOnPurpose(id);
-        return widget(id);
+        CIMInstance instance = widget(id);
+        if (id.equals("pings")) instance.setProperty("Count", CIMValue(UInt32(pingsSinceLoad)));
+        return instance;
     }
 
     CIMObjectPath createInstance(const ProviderEnvironmentIFCRef& env, const String& ns,
@@ -160,6 +167,7 @@ public:
         for (size_t i = 0; i < out.size(); ++i) line += out[i].getName() + ";";
         record(env, line);
         if (!methodName.equals("Ping")) OW_THROWCIM(CIMException::METHOD_NOT_FOUND);
+        ++pingsSinceLoad;
         for (size_t i = 0; i < out.size(); ++i) {
             if (out[i].getName().equalsIgnoreCase("Echo")) out[i].setValue(CIMValue(String("pong")));
         }
