@@ -5,6 +5,7 @@
 // "missing" (not found), "cim" (CIMException 4 with a message), "std"
 // (std::runtime_error) and "int" (a thrown int). It lets the host unload
 // it when idle (OpenWBEM's default canUnload()).
+#include <atomic>
 #include <stdexcept>
 #include <string>
 
@@ -98,7 +99,7 @@ void failOnPurpose(const String& id) {
 
 // State of one load of the library: it starts again at 0 when the host has
 // unloaded the library and loads it anew. Id "pings" reads it as Count.
-unsigned pingsSinceLoad = 0;
+std::atomic<unsigned> pingsSinceLoad(0);
 
 class TestProvider : public CppMethodProviderIFC, public CppAssociatorProviderIFC {
 public:
@@ -133,7 +134,7 @@ public:
                         " qualifiers=" + String(Int32(includeQualifiers)) + " list=" + listText(propertyList));
         failOnPurpose(id);
         CIMInstance instance = widget(id);
-        if (id.equals("pings")) instance.setProperty("Count", CIMValue(UInt32(pingsSinceLoad)));
+        if (id.equals("pings")) instance.setProperty("Count", CIMValue(UInt32(pingsSinceLoad.load())));
         return instance;
     }
 
