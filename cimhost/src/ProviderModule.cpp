@@ -165,17 +165,4 @@ bool ProviderModule::loaded() const {
     return current_ != nullptr;
 }
 
-OW::CppInstanceProviderIFC* ProviderModule::instanceProvider() const {
-    std::lock_guard<std::mutex> lock(mutex_);
-    return current_ ? current_->instanceProvider() : nullptr;
-}
-OW::CppMethodProviderIFC* ProviderModule::methodProvider() const {
-    std::lock_guard<std::mutex> lock(mutex_);
-    return current_ ? current_->methodProvider() : nullptr;
-}
-OW::CppAssociatorProviderIFC* ProviderModule::associatorProvider() const {
-    std::lock_guard<std::mutex> lock(mutex_);
-    return current_ ? current_->associatorProvider() : nullptr;
-}
-
 }  // namespace cimhost

@@ -88,7 +88,6 @@ public:
     // The provider's interfaces; null when it does not offer one.
     OW::CppInstanceProviderIFC* instanceProvider() const { return provider_->getInstanceProvider(); }
     OW::CppMethodProviderIFC* methodProvider() const { return provider_->getMethodProvider(); }
-    OW::CppAssociatorProviderIFC* associatorProvider() const { return provider_->getAssociatorProvider(); }
 
     // Set once the object manager has dropped this load: the library is
     // closed with the provider. A load that is never dropped stays mapped,
@@ -133,12 +132,6 @@ public:
     // dropped it.
     bool unloadIfIdle(int ttlMinutes, time_t now = time(nullptr));
     bool loaded() const;
-
-    // The provider's interfaces in the current load; null when it does not
-    // offer one or is not loaded.
-    OW::CppInstanceProviderIFC* instanceProvider() const;
-    OW::CppMethodProviderIFC* methodProvider() const;
-    OW::CppAssociatorProviderIFC* associatorProvider() const;
 
 private:
     std::string path_;
