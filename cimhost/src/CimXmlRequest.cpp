@@ -225,7 +225,8 @@ std::optional<bool> CimRequest::booleanParam(const std::string& name) const {
     std::string text = leafText(children[0]);
     if (namesEqual(text, "true")) return true;
     if (namesEqual(text, "false")) return false;
-    throw InvalidRequest("parameter " + name + " is not a boolean: " + text);
+    // owcimomd's words (its CIMValue conversion of the parameter).
+    throw InvalidRequest("Unable to convert \"" + text + "\" into bool");
 }
 
 std::optional<std::string> CimRequest::classNameParam(const std::string& name) const {
