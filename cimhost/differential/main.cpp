@@ -52,17 +52,17 @@ Options parseOptions(int argc, char** argv) {
     return options;
 }
 
-Target parseTarget(const std::string& name, const std::string& spec) {
+Target parseTarget(const std::string& name, const std::string& text) {
     Target target;
     target.name = name;
-    std::size_t first = spec.find(',');
-    std::size_t second = spec.find(',', first == std::string::npos ? first : first + 1);
+    std::size_t first = text.find(',');
+    std::size_t second = text.find(',', first == std::string::npos ? first : first + 1);
     if (first == std::string::npos || second == std::string::npos) {
-        throw std::runtime_error("--" + name + " wants PORT,ZPO,ROOT, not " + spec);
+        throw std::runtime_error("--" + name + " wants PORT,ZPO,ROOT, not " + text);
     }
-    target.port = std::stoi(spec.substr(0, first));
-    target.zpo = spec.substr(first + 1, second - first - 1);
-    target.zpoRoot = spec.substr(second + 1);
+    target.port = std::stoi(text.substr(0, first));
+    target.zpo = text.substr(first + 1, second - first - 1);
+    target.zpoRoot = text.substr(second + 1);
     return target;
 }
 
