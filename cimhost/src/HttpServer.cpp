@@ -52,6 +52,14 @@ struct Answer {
     bool close = false;
 };
 
+// The next of the two-digit numbers owcimomd prefixes its CIM headers with:
+// 01, 02, ... 99, 00, 01, ... over the process's answers.
+std::string nextHeaderNamespace() {
+    static std::atomic<unsigned> answers{0};
+    unsigned n = (answers.fetch_add(1) + 1) % 100;
+    return std::string{static_cast<char>('0' + n / 10), static_cast<char>('0' + n % 10)};
+}
+
 Answer refusal(http::status status, const std::string& cimError = "") {
     Answer answer;
     answer.status = status;
@@ -83,26 +91,6 @@ std::optional<Answer> refusedByHeaders(const Request& request) {
     return std::nullopt;
 }
 
-std::string percentDecoded(const std::string& text) {
-    std::string out;
-    for (size_t i = 0; i < text.size(); ++i) {
-        if (text[i] == '%' && i + 2 < text.size() && std::isxdigit(static_cast<unsigned char>(text[i + 1])) &&
-            std::isxdigit(static_cast<unsigned char>(text[i + 2]))) {
-            out += static_cast<char>(std::stoi(text.substr(i + 1, 2), nullptr, 16));
-            i += 2;
-        } else {
-            out += text[i];
-        }
-    }
-    return out;
-}
-
-std::string trimmedSlashes(const std::string& text) {
-    size_t first = text.find_first_not_of('/');
-    if (first == std::string::npos) return "";
-    return text.substr(first, text.find_last_not_of('/') - first + 1);
-}
-
 // The credentials last accepted on a connection: a client repeating them
 // is not hashed again.
 struct AcceptedCredentials {
@@ -120,21 +108,6 @@ bool isLoopbackAddress(const std::string& host) {
         return (ntohl(address.s_addr) >> 24) == 127;
     }
     return false;
-}
-
-bool cimObjectMatches(const std::string& header, const CimRequest& request) {
-    std::string object = percentDecoded(header);
-    std::string nameSpace = object;
-    std::string className;
-    size_t colon = object.find(':');
-    if (colon != std::string::npos) {
-        nameSpace = object.substr(0, colon);
-        className = object.substr(colon + 1);
-        className = className.substr(0, className.find('.'));
-    }
-    if (!namesEqual(trimmedSlashes(nameSpace), request.nameSpace)) return false;
-    if (request.intrinsic) return colon == std::string::npos;
-    return namesEqual(className, request.target.className);
 }
 
 class HttpServer::Impl {
@@ -308,8 +281,14 @@ private:
     void reply(Answer answer) {
         auto response = std::make_shared<http::response<http::string_body>>(answer.status, version_);
         if (answer.status == http::status::ok) {
+            // owcimomd answers every POST it runs in the extension
+            // framework's form: "Man" with a namespace number counted over
+            // the process's answers (01 to 99, two digits), and the CIM
+            // header under that number.
+            std::string ns = nextHeaderNamespace();
             response->set(http::field::content_type, kXmlContentType);
-            response->set("CIMOperation", "MethodResponse");
+            response->set("Man", "http://www.dmtf.org/cim/mapping/http/v1.0 ; ns=" + ns);
+            response->set(ns + "-CIMOperation", "MethodResponse");
         }
         if (!answer.cimError.empty()) response->set("CIMError", answer.cimError);
         if (answer.status == http::status::unauthorized) {
@@ -429,31 +408,36 @@ void HttpServer::Impl::noteRefusal(const std::string& remote) {
     }
 }
 
+// As owcimomd's HTTPSvrConnection::processHeaders: the credentials first,
+// then the Host an HTTP/1.1 request must name, then the headers about the
+// content. The CIM headers (CIMOperation, CIMMethod, CIMObject,
+// CIMProtocolVersion) are not looked at: the body says what is asked.
 Answer HttpServer::Impl::answer(const Request& request, const std::string& remote, AcceptedCredentials& credentials) {
-    if (std::optional<Answer> refused = refusedByHeaders(request)) return *refused;
-    if (!authenticator) return answerCimCall(request, remote, "");
-    std::string header(request[http::field::authorization]);
-    if (!credentials.accepted || header != credentials.header) {
-        credentials.accepted = false;
-        std::optional<std::string> user = authenticator->check(header);
-        if (!user) {
-            log.error("refused credentials from " + remote);
-            Answer challenge;
-            challenge.status = http::status::unauthorized;
-            return challenge;
+    std::string user;
+    if (authenticator) {
+        std::string header(request[http::field::authorization]);
+        if (!credentials.accepted || header != credentials.header) {
+            credentials.accepted = false;
+            std::optional<std::string> checked = authenticator->check(header);
+            if (!checked) {
+                log.error("refused credentials from " + remote);
+                Answer challenge;
+                challenge.status = http::status::unauthorized;
+                return challenge;
+            }
+            credentials = {true, header, *checked};
         }
-        credentials = {true, header, *user};
+        user = credentials.user;
     }
-    return answerCimCall(request, remote, credentials.user);
+    if (request.version() == 11 && request.find(http::field::host) == request.end()) {
+        log.error("HTTP/1.1 request from " + remote + " without Host");
+        return refusal(http::status::bad_request);
+    }
+    if (std::optional<Answer> refused = refusedByHeaders(request)) return *refused;
+    return answerCimCall(request, remote, user);
 }
 
 Answer HttpServer::Impl::answerCimCall(const Request& request, const std::string& remote, const std::string& user) {
-    auto header = [&request](const char* name) { return std::string(request[name]); };
-    if (!namesEqual(header("CIMOperation"), "MethodCall")) return refusal(http::status::bad_request, "unsupported-operation");
-    std::string version = header("CIMProtocolVersion");
-    if (!version.empty() && version != "1" && version.rfind("1.", 0) != 0) {
-        return refusal(http::status::not_implemented, "unsupported-protocol-version");
-    }
     CimRequest cimRequest;
     try {
         screenRequestBody(request.body(), limits.xml);
@@ -472,15 +456,6 @@ Answer HttpServer::Impl::answerCimCall(const Request& request, const std::string
         return refusal(http::status::not_implemented, e.what());
     } catch (const MultipleRequestsUnsupported&) {
         return refusal(http::status::not_implemented, "multiple-requests-unsupported");
-    }
-    if (!namesEqual(header("CIMMethod"), cimRequest.methodName)) {
-        log.error("CIMMethod header does not name " + cimRequest.methodName);
-        return refusal(http::status::bad_request, "header-mismatch");
-    }
-    std::string object = header("CIMObject");
-    if (!object.empty() && !cimObjectMatches(object, cimRequest)) {
-        log.error("CIMObject header " + object + " does not name the object of " + cimRequest.methodName);
-        return refusal(http::status::bad_request, "header-mismatch");
     }
     Answer answer;
     try {

@@ -72,8 +72,4 @@ private:
 // True for 127.0.0.0/8, ::1 and "localhost".
 bool isLoopbackAddress(const std::string& host);
 
-// Whether the CIMObject header value (percent-encoded or not) names the
-// request's namespace and, for a method call, its class.
-bool cimObjectMatches(const std::string& header, const CimRequest& request);
-
 }  // namespace cimhost

@@ -1,5 +1,4 @@
-// What is checked before a body is parsed, the CIMObject header and the
-// credentials.
+// What is checked before a body is parsed, and the credentials.
 #include <crypt.h>
 #include <gtest/gtest.h>
 
@@ -40,28 +39,6 @@ TEST(RequestScreen, CountsElementsAndNestingAgainstTheBudget) {
     EXPECT_NO_THROW(screenRequestBody("<A><B X=\"/>\"><C/></B><D/></A>", budget));
     EXPECT_THROW(screenRequestBody("<A><B/><C/><D/><E/></A>", budget), OverBudget);
     EXPECT_THROW(screenRequestBody("<A><B><C><D></D></C></B></A>", budget), OverBudget);
-}
-
-CimRequest requestFor(const std::string& call) {
-    return parseCimRequest("<?xml version=\"1.0\"?><CIM CIMVERSION=\"2.0\" DTDVERSION=\"2.0\"><MESSAGE ID=\"1\" "
-                           "PROTOCOLVERSION=\"1.0\"><SIMPLEREQ>" + call + "</SIMPLEREQ></MESSAGE></CIM>");
-}
-
-TEST(CimObjectHeader, NamesTheNamespaceOrTheTargetOfAMethodCall) {
-    CimRequest intrinsic = requestFor(
-        "<IMETHODCALL NAME=\"EnumerateInstanceNames\"><LOCALNAMESPACEPATH><NAMESPACE NAME=\"root\"/>"
-        "<NAMESPACE NAME=\"cimv2\"/></LOCALNAMESPACEPATH></IMETHODCALL>");
-    EXPECT_TRUE(cimObjectMatches("root%2Fcimv2", intrinsic));
-    EXPECT_TRUE(cimObjectMatches("Root/CIMV2", intrinsic));
-    EXPECT_FALSE(cimObjectMatches("root%2Fother", intrinsic));
-    EXPECT_FALSE(cimObjectMatches("root/cimv2:Demo_Item", intrinsic));
-    CimRequest method = requestFor(
-        "<METHODCALL NAME=\"Reset\"><LOCALINSTANCEPATH><LOCALNAMESPACEPATH><NAMESPACE NAME=\"root\"/>"
-        "<NAMESPACE NAME=\"cimv2\"/></LOCALNAMESPACEPATH><INSTANCENAME CLASSNAME=\"Demo_Item\"><KEYBINDING "
-        "NAME=\"ItemID\"><KEYVALUE>A1</KEYVALUE></KEYBINDING></INSTANCENAME></LOCALINSTANCEPATH></METHODCALL>");
-    EXPECT_TRUE(cimObjectMatches("root%2Fcimv2%3Ademo_item.ItemID=\"A1\"", method));
-    EXPECT_FALSE(cimObjectMatches("root/cimv2:Other_Item.ItemID=\"A1\"", method));
-    EXPECT_FALSE(cimObjectMatches("root/cimv2", method));
 }
 
 TEST(CimXmlVersions, OnlyTheMajorVersionsServedAreAccepted) {
