@@ -54,8 +54,9 @@ std::string indented(const std::string& text, std::size_t maxLines = 60) {
     return out;
 }
 
-// The lines of one text that the other lacks.
-std::string lineDifference(const std::string& reference, const std::string& candidate) {
+}  // namespace
+
+std::string stateChange(const std::string& before, const std::string& after) {
     auto lines = [](const std::string& text) {
         std::multiset<std::string> set;
         std::istringstream in(text);
@@ -63,7 +64,7 @@ std::string lineDifference(const std::string& reference, const std::string& cand
         while (std::getline(in, line)) set.insert(line);
         return set;
     };
-    std::multiset<std::string> a = lines(reference), b = lines(candidate);
+    std::multiset<std::string> a = lines(before), b = lines(after);
     std::string out;
     for (const std::string& line : a) {
         if (b.count(line) < a.count(line) && out.find("- " + line + "\n") == std::string::npos) out += "- " + line + "\n";
@@ -73,8 +74,6 @@ std::string lineDifference(const std::string& reference, const std::string& cand
     }
     return out;
 }
-
-}  // namespace
 
 std::string differingAspect(const Observation& seen) {
     if (seen.reference != seen.candidate) {
@@ -169,8 +168,8 @@ void Differences::print(std::ostream& out, std::size_t sent) const {
         if (!group.difference.acceptedBecause.empty()) out << " (accepted: " << group.difference.acceptedBecause << ")";
         out << "\n  request #" << group.firstIndex << ":\n" << shownRequest(group.firstRequest);
         if (group.difference.aspect == "state") {
-            out << "  device state, - the reference's only, + the candidate's only:\n"
-                << indented(lineDifference(group.firstSeen.referenceState, group.firstSeen.candidateState));
+            out << "  reference's device state change:\n" << indented(group.firstSeen.referenceState)
+                << "  candidate's device state change:\n" << indented(group.firstSeen.candidateState);
         } else {
             out << "  reference answer:\n" << indented(group.firstSeen.reference) << "  candidate answer:\n"
                 << indented(group.firstSeen.candidate);

@@ -14,14 +14,18 @@
 
 namespace cimdiff {
 
-// The two object managers' answers to one request, and the device states
-// after it when it writes.
+// The two object managers' answers to one request and, when it writes, what
+// it changed in each device state (stateChange).
 struct Observation {
     std::string reference;
     std::string candidate;
     std::string referenceState;
     std::string candidateState;
 };
+
+// The lines of `after` that `before` lacks, marked "+ ", and those of
+// `before` that `after` lacks, marked "- ".
+std::string stateChange(const std::string& before, const std::string& after);
 
 // The first aspect in which two canonical answers differ: "status",
 // "error-code", "description", "result"; "state" when only the device

@@ -101,6 +101,9 @@ int compare(const Options& options) {
     if (sampleCount > 0) sample.open(options.get("sample"), std::ios::binary);
 
     Differences differences(accepted);
+    // What a request changed is compared, so that an earlier difference
+    // shows once, not again after every later write.
+    std::string referenceBefore = deviceState(reference), candidateBefore = deviceState(candidate);
     for (std::size_t i = 0; i < requests.size(); ++i) {
         const Request& request = requests[i];
         Observation seen;
@@ -113,12 +116,18 @@ int compare(const Options& options) {
         }
         seen.candidate = canonicalAnswer(exchange(candidate, request));
         if (request.writes) {
-            seen.referenceState = deviceState(reference);
-            seen.candidateState = deviceState(candidate);
+            std::string referenceAfter = deviceState(reference), candidateAfter = deviceState(candidate);
+            seen.referenceState = stateChange(referenceBefore, referenceAfter);
+            seen.candidateState = stateChange(candidateBefore, candidateAfter);
+            referenceBefore = referenceAfter;
+            candidateBefore = candidateAfter;
         }
         const Difference* found = differences.record(i, request, seen);
-        // Later requests start from the same device state again.
-        if (seen.referenceState != seen.candidateState) copyRegistry(reference, candidate, scratch);
+        // Later requests start from the same registry again.
+        if (seen.referenceState != seen.candidateState) {
+            copyRegistry(reference, candidate, scratch);
+            candidateBefore = deviceState(candidate);
+        }
         if (i < sampleCount) writeSampleEntry(sample, request, seen, found);
         if ((i + 1) % 500 == 0) std::cerr << "cimdiff: " << (i + 1) << " of " << requests.size() << " sent\n";
     }

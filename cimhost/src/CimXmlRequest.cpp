@@ -40,6 +40,12 @@ std::string leafText(const pugi::xml_node& node) {
     return text;
 }
 
+// owcimomd's words for a LOCALNAMESPACEPATH without NAMESPACE.
+const char* const kNoNamespace =
+    "CIMXMLParser::mustGetChild(CIMXMLParser::tokenId tId=NAMESPACE) failed.  parser = m_good = 0\n"
+    "</LOCALNAMESPACEPATH>\n";
+
+// The namespace a LOCALNAMESPACEPATH names; empty when it names none.
 std::string namespaceFromLocalPath(const pugi::xml_node& localPath) {
     if (!isElement(localPath, "LOCALNAMESPACEPATH")) throw InvalidRequest("expected LOCALNAMESPACEPATH");
     std::string ns;
@@ -48,7 +54,6 @@ std::string namespaceFromLocalPath(const pugi::xml_node& localPath) {
         if (!ns.empty()) ns += '/';
         ns += requiredAttribute(part, "NAME");
     }
-    if (ns.empty()) throw InvalidRequest("empty LOCALNAMESPACEPATH");
     return ns;
 }
 
@@ -175,6 +180,7 @@ void readExtrinsicTarget(CimRequest& request, const pugi::xml_node& path) {
     std::vector<pugi::xml_node> parts = elementChildren(path);
     if (parts.size() != 2) throw InvalidRequest(std::string(path.name()) + " needs a namespace and a name");
     request.nameSpace = namespaceFromLocalPath(parts[0]);
+    if (request.nameSpace.empty()) request.nameSpaceFault = kNoNamespace;
     if (isElement(path, "LOCALINSTANCEPATH")) {
         request.target = readInstanceName(parts[1]);
     } else {
@@ -223,6 +229,8 @@ std::optional<bool> CimRequest::booleanParam(const std::string& name) const {
         throw wrongType(name, "VALUE");
     }
     std::string text = leafText(children[0]);
+    // owcimomd reads an empty VALUE as false.
+    if (text.empty()) return false;
     if (namesEqual(text, "true")) return true;
     if (namesEqual(text, "false")) return false;
     // owcimomd's words (its CIMValue conversion of the parameter).
@@ -347,6 +355,8 @@ CimRequest parseCimRequest(const std::string& body) {
         request.intrinsic = true;
         if (parts.empty()) throw InvalidRequest("IMETHODCALL needs a LOCALNAMESPACEPATH");
         request.nameSpace = namespaceFromLocalPath(parts[0]);
+        if (request.nameSpace.empty()) request.nameSpaceFault = kNoNamespace;
+    if (request.nameSpace.empty()) request.nameSpaceFault = kNoNamespace;
         for (size_t i = 1; i < parts.size(); ++i) {
             if (!isElement(parts[i], "IPARAMVALUE")) throw InvalidRequest("IMETHODCALL holds only IPARAMVALUE");
             std::string name = requiredAttribute(parts[i], "NAME");

@@ -83,6 +83,10 @@ public:
     bool intrinsic = true;
     std::string methodName;
     std::string nameSpace;
+    // Set when the LOCALNAMESPACEPATH names no NAMESPACE: owcimomd's XML
+    // parser then fails the request, whatever it asks, with CIM error 4 and
+    // this text.
+    std::string nameSpaceFault;
     // Extrinsic calls: the target object (instance path or class path) and
     // the parameters in request order.
     InstanceNameText target;

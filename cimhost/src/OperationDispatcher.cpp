@@ -104,16 +104,16 @@ bool OperationDispatcher::isBound(const std::vector<Qualifier>& qualifiers) cons
     return binding && namesEqual(binding->interfaceName, "c++") && binding->providerId == module_->id();
 }
 
-const ClassDefinition& OperationDispatcher::requireClass(const std::string& className, CIMException::ErrNoType code,
-                                                         const std::string& message) const {
-    const ClassDefinition* cls = classes_.findClass(className);
+const ClassDefinition& OperationDispatcher::requireClass(const std::string& nameSpace, const std::string& className,
+                                                         CIMException::ErrNoType code, const std::string& message) const {
+    const ClassDefinition* cls = classesIn(nameSpace).findClass(className);
     if (!cls) throwCim(code, message);
     return *cls;
 }
 
 const ClassDefinition& OperationDispatcher::requireInstanceClass(const std::string& className,
                                                                  const Context& context) const {
-    return requireClass(className, CIMException::INVALID_CLASS, classPathText(context.nameSpace, className));
+    return requireClass(context.nameSpace, className, CIMException::INVALID_CLASS, classPathText(context.nameSpace, className));
 }
 
 LoadedProvider& OperationDispatcher::providerFor(Context& context) const {
@@ -154,6 +154,7 @@ std::string OperationDispatcher::handle(const CimRequest& request, const std::st
     };
     try {
         try {
+            if (!request.nameSpaceFault.empty()) throwCim(CIMException::INVALID_PARAMETER, request.nameSpaceFault);
             Context context{OW::ProviderEnvironmentIFCRef(new HostProviderEnvironment(log_, userName)),
                             request.nameSpace, nullptr};
             if (request.intrinsic) {
@@ -273,8 +274,18 @@ void checkParameters(const CimRequest& request, const OperationSpec& signature) 
 
 }  // namespace
 
+// owcimomd's repository holds the served namespace and those above it
+// ("root" above "root/cimv2"), which have no classes; names are compared as
+// written ("ROOT/CIMV2" does not exist).
 void OperationDispatcher::checkNameSpace(const std::string& nameSpace) const {
-    if (!namesEqual(trimSlashes(nameSpace), nameSpace_)) throwCim(CIMException::INVALID_NAMESPACE, nameSpace);
+    std::string name = trimSlashes(nameSpace);
+    if (name == nameSpace_ || (!name.empty() && nameSpace_.compare(0, name.size() + 1, name + "/") == 0)) return;
+    throwCim(CIMException::INVALID_NAMESPACE, nameSpace);
+}
+
+const ClassRepository& OperationDispatcher::classesIn(const std::string& nameSpace) const {
+    static const ClassRepository none;
+    return trimSlashes(nameSpace) == nameSpace_ ? classes_ : none;
 }
 
 void OperationDispatcher::runIntrinsic(const CimRequest& request, Context& context, XmlWriter& xml) {
@@ -334,10 +345,10 @@ std::vector<const ClassDefinition*> selectClasses(const ClassRepository& classes
 
 void OperationDispatcher::enumerateClassNames(const CimRequest& request, XmlWriter& xml) {
     std::optional<std::string> root = request.classNameParam("ClassName");
-    if (root) requireClass(*root, CIMException::INVALID_CLASS, *root);
+    if (root) requireClass(request.nameSpace, *root, CIMException::INVALID_CLASS, *root);
     bool deep = request.booleanParam("DeepInheritance").value_or(false);
     xml.start("IRETURNVALUE");
-    for (const ClassDefinition* cls : selectClasses(classes_, root, deep)) {
+    for (const ClassDefinition* cls : selectClasses(classesIn(request.nameSpace), root, deep)) {
         xml.selfClosed("CLASSNAME", {{"NAME", cls->name}});
     }
     xml.end("IRETURNVALUE");
@@ -345,14 +356,14 @@ void OperationDispatcher::enumerateClassNames(const CimRequest& request, XmlWrit
 
 void OperationDispatcher::enumerateClasses(const CimRequest& request, XmlWriter& xml) {
     std::optional<std::string> root = request.classNameParam("ClassName");
-    if (root) requireClass(*root, CIMException::INVALID_CLASS, *root);
+    if (root) requireClass(request.nameSpace, *root, CIMException::INVALID_CLASS, *root);
     bool deep = request.booleanParam("DeepInheritance").value_or(false);
     OutputFilter filter;
     filter.localOnly = request.booleanParam("LocalOnly").value_or(true);
     filter.includeQualifiers = request.booleanParam("IncludeQualifiers").value_or(true);
     filter.includeClassOrigin = request.booleanParam("IncludeClassOrigin").value_or(false);
     xml.start("IRETURNVALUE");
-    for (const ClassDefinition* cls : selectClasses(classes_, root, deep)) writeClass(xml, *cls, filter);
+    for (const ClassDefinition* cls : selectClasses(classesIn(request.nameSpace), root, deep)) writeClass(xml, *cls, filter);
     xml.end("IRETURNVALUE");
 }
 
@@ -360,7 +371,7 @@ void OperationDispatcher::getClass(const CimRequest& request, Context& context, 
     std::optional<std::string> name = request.classNameParam("ClassName");
     if (!name) missingParameter("ClassName");
     const ClassDefinition& cls =
-        requireClass(*name, CIMException::NOT_FOUND, classPathText(context.nameSpace, *name));
+        requireClass(context.nameSpace, *name, CIMException::NOT_FOUND, classPathText(context.nameSpace, *name));
     OutputFilter filter;
     filter.localOnly = request.booleanParam("LocalOnly").value_or(true);
     filter.includeQualifiers = request.booleanParam("IncludeQualifiers").value_or(true);
@@ -377,7 +388,7 @@ void OperationDispatcher::deleteClass(const CimRequest& request, Context& contex
     std::optional<std::string> name = request.classNameParam("ClassName");
     if (!name) missingParameter("ClassName");
     const ClassDefinition& cls =
-        requireClass(*name, CIMException::NOT_FOUND, classPathText(context.nameSpace, *name));
+        requireClass(context.nameSpace, *name, CIMException::NOT_FOUND, classPathText(context.nameSpace, *name));
     throwCim(CIMException::NOT_SUPPORTED, "the classes of this host cannot be deleted: " + cls.name);
 }
 
@@ -582,7 +593,7 @@ void OperationDispatcher::associations(const CimRequest& request, Context& conte
     std::optional<InstanceNameText> objectName = request.objectNameParam("ObjectName");
     if (!objectName) missingParameter("ObjectName");
     auto lookUp = [&](const std::string& name) -> const ClassDefinition& {
-        return requireClass(name, CIMException::NOT_FOUND, classPathText(context.nameSpace, name));
+        return requireClass(context.nameSpace, name, CIMException::NOT_FOUND, classPathText(context.nameSpace, name));
     };
     auto requireAssociation = [&](const std::optional<std::string>& name) {
         if (!name || name->empty()) return;
@@ -596,7 +607,7 @@ void OperationDispatcher::associations(const CimRequest& request, Context& conte
     std::optional<std::string> resultClass = request.classNameParam("ResultClass");
     if (associators) {
         requireAssociation(request.classNameParam("AssocClass"));
-        if (resultClass && !resultClass->empty()) requireClass(*resultClass, CIMException::INVALID_CLASS, *resultClass);
+        if (resultClass && !resultClass->empty()) requireClass(request.nameSpace, *resultClass, CIMException::INVALID_CLASS, *resultClass);
     } else {
         requireAssociation(resultClass);
     }
@@ -604,7 +615,7 @@ void OperationDispatcher::associations(const CimRequest& request, Context& conte
 }
 
 void OperationDispatcher::runExtrinsic(const CimRequest& request, Context& context, XmlWriter& xml) {
-    const ClassDefinition& cls = requireClass(request.target.className, CIMException::NOT_FOUND,
+    const ClassDefinition& cls = requireClass(context.nameSpace, request.target.className, CIMException::NOT_FOUND,
                                               classPathText(context.nameSpace, request.target.className));
     const OW::CIMClass& apiCls = apiClass(cls);
     OW::CIMObjectPath path = request.target.isClassPath

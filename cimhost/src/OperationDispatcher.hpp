@@ -58,10 +58,15 @@ private:
     void execQuery(const CimRequest& request);
     void associations(const CimRequest& request, Context& context, XmlWriter& xml);
 
-    // CIM_ERR_INVALID_NAMESPACE unless `nameSpace` is the host's.
+    // CIM_ERR_INVALID_NAMESPACE unless `nameSpace` is the host's or one
+    // above it.
     void checkNameSpace(const std::string& nameSpace) const;
-    // The class of a name, ignoring case; else CIM error `code` with `message`.
-    const ClassDefinition& requireClass(const std::string& className, OpenWBEM::CIMException::ErrNoType code,
+    // The classes of a namespace: the MOF's in the served one, none in those above it.
+    const ClassRepository& classesIn(const std::string& nameSpace) const;
+    // The class of a name in a namespace, ignoring case; else CIM error
+    // `code` with `message`.
+    const ClassDefinition& requireClass(const std::string& nameSpace, const std::string& className,
+                                        OpenWBEM::CIMException::ErrNoType code,
                                         const std::string& message) const;
     // As instance operations look a class up: CIM_ERR_INVALID_CLASS.
     const ClassDefinition& requireInstanceClass(const std::string& className, const Context& context) const;

@@ -139,6 +139,22 @@ TEST_F(Dispatcher, ErrorsCarryOpenWbem30Descriptions) {
          "valid parameter)\"/>"},
         // All parameters are read before the namespace is looked at.
         {call("GetInstance", "", "root/other"), "(Non-optional parameter InstanceName was not given)"},
+        // owcimomd's repository has "root" above "root/cimv2", without
+        // classes; namespace names are matched as written.
+        {call("EnumerateClassNames", "", "root"), "<IRETURNVALUE></IRETURNVALUE>"},
+        {call("EnumerateInstances", param("ClassName", "<CLASSNAME NAME=\"Test_Widget\"/>"), "root"),
+         "<ERROR CODE=\"5\" DESCRIPTION=\"class does not exist (/root:Test_Widget)\"/>"},
+        {call("EnumerateInstances", param("ClassName", "<CLASSNAME NAME=\"Test_Widget\"/>"), "Root/CIMV2"),
+         "<ERROR CODE=\"3\" DESCRIPTION=\"namespace does not exist (Root/CIMV2)\"/>"},
+        // A LOCALNAMESPACEPATH without NAMESPACE fails in owcimomd's XML
+        // parser, whatever the operation.
+        {call("NoSuchOperation", "", ""),
+         "<ERROR CODE=\"4\" DESCRIPTION=\"invalid parameter passed to method (CIMXMLParser::mustGetChild("
+         "CIMXMLParser::tokenId tId=NAMESPACE) failed.  parser = m_good = 0&#10;&lt;/LOCALNAMESPACEPATH&gt;&#10;)\"/>"},
+        // An empty boolean is false; another text is not a boolean.
+        {call("EnumerateInstances", param("ClassName", "<CLASSNAME NAME=\"Test_Widget\"/>") +
+                                        param("LocalOnly", "<VALUE></VALUE>") + param("DeepInheritance", "<VALUE>yes</VALUE>")),
+         "(Unable to convert &quot;yes&quot; into bool)"},
     };
     for (const auto& [body, expected] : cases) {
         std::string response = run(body);
