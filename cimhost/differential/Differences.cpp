@@ -75,6 +75,21 @@ std::string stateChange(const std::string& before, const std::string& after) {
     return out;
 }
 
+StateTracker::StateTracker(const Target& target) : target_(target) { rebase(); }
+
+void StateTracker::rebase() {
+    before_ = deviceState(target_);
+    takeQueuedMessages(target_);
+}
+
+std::string StateTracker::changeSinceLast() {
+    std::string after = deviceState(target_);
+    std::string change = stateChange(before_, after);
+    before_ = after;
+    std::string messages = takeQueuedMessages(target_);
+    return messages.empty() ? change : change + "queued\n" + messages;
+}
+
 std::string differingAspect(const Observation& seen) {
     if (seen.reference != seen.candidate) {
         if (lineOf(seen.reference, "status") != lineOf(seen.candidate, "status")) return "status";
@@ -189,6 +204,7 @@ void writeSampleEntry(std::ostream& out, const Request& request, const Observati
 int replaySample(std::istream& sample, const Target& candidate, std::ostream& out) {
     Request request;
     std::size_t index = 0, failures = 0;
+    StateTracker tracker(candidate);
     while (readRequest(sample, request)) {
         std::string answer = readBlock(sample, "answer");
         std::string state = readBlock(sample, "state");
@@ -197,7 +213,7 @@ int replaySample(std::istream& sample, const Target& candidate, std::ostream& ou
         std::string expectedAnswer = candidateAnswer.empty() ? answer : candidateAnswer;
         std::string expectedState = candidateAnswer.empty() ? state : candidateState;
         std::string got = canonicalAnswer(exchange(candidate, request));
-        std::string gotState = request.writes ? deviceState(candidate) : "";
+        std::string gotState = request.writes ? tracker.changeSinceLast() : "";
         if (got != expectedAnswer || gotState != expectedState) {
             ++failures;
             out << "request #" << index << " (" << request.kind << ") answered otherwise than recorded\n"

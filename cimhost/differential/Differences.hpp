@@ -27,6 +27,20 @@ struct Observation {
 // `before` that `after` lacks, marked "- ".
 std::string stateChange(const std::string& before, const std::string& after);
 
+// What each write changes in one device state: the registry and task lines
+// it added and removed, and the messages it queued.
+class StateTracker {
+public:
+    explicit StateTracker(const Target& target);
+    std::string changeSinceLast();
+    // After the state was set from elsewhere.
+    void rebase();
+
+private:
+    const Target& target_;
+    std::string before_;
+};
+
 // The first aspect in which two canonical answers differ: "status",
 // "error-code", "description", "result"; "state" when only the device
 // states do; "" when nothing does.

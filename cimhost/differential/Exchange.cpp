@@ -222,10 +222,18 @@ std::string canonicalAnswer(const std::string& response) {
 
 std::string deviceState(const Target& target) {
     if (target.zpo.empty()) return "";
-    std::string state = "registry\n" + zpo(target, "reg list") + "tasks\n" + zpo(target, "sched list");
-    std::string queued = zpo(target, "queue listen CDRService --timeout 0.05");
-    if (queued != "timeout\n") state += "queue\n" + queued;
-    return state;
+    return "registry\n" + zpo(target, "reg list") + "tasks\n" + zpo(target, "sched list");
+}
+
+std::string takeQueuedMessages(const Target& target) {
+    if (target.zpo.empty()) return "";
+    std::string out = zpo(target, "queue listen CDRService --timeout 0.05");
+    // zpo ends with "timeout" once the queue stays empty.
+    const std::string end = "timeout\n";
+    if (out.size() >= end.size() && out.compare(out.size() - end.size(), end.size(), end) == 0) {
+        out.erase(out.size() - end.size());
+    }
+    return out;
 }
 
 void copyRegistry(const Target& from, const Target& to, const std::string& scratchFile) {

@@ -29,9 +29,11 @@ std::string exchange(const Target& target, const Request& request, int timeoutSe
 // whose body is not XML, is shown as such.
 std::string canonicalAnswer(const std::string& response);
 
-// The device state as the module left it: the registry, the scheduled
-// tasks, and the messages waiting in the service queue (taken from it).
+// The device state as the module left it: the registry and the scheduled
+// tasks.
 std::string deviceState(const Target& target);
+// The messages waiting in the service queue, one a line, taken from it.
+std::string takeQueuedMessages(const Target& target);
 
 // Makes `to`'s registry the same as `from`'s (a backup restored, which the
 // module is told of as on the device).

@@ -103,7 +103,7 @@ int compare(const Options& options) {
     Differences differences(accepted);
     // What a request changed is compared, so that an earlier difference
     // shows once, not again after every later write.
-    std::string referenceBefore = deviceState(reference), candidateBefore = deviceState(candidate);
+    StateTracker referenceState(reference), candidateState(candidate);
     for (std::size_t i = 0; i < requests.size(); ++i) {
         const Request& request = requests[i];
         Observation seen;
@@ -116,17 +116,14 @@ int compare(const Options& options) {
         }
         seen.candidate = canonicalAnswer(exchange(candidate, request));
         if (request.writes) {
-            std::string referenceAfter = deviceState(reference), candidateAfter = deviceState(candidate);
-            seen.referenceState = stateChange(referenceBefore, referenceAfter);
-            seen.candidateState = stateChange(candidateBefore, candidateAfter);
-            referenceBefore = referenceAfter;
-            candidateBefore = candidateAfter;
+            seen.referenceState = referenceState.changeSinceLast();
+            seen.candidateState = candidateState.changeSinceLast();
         }
         const Difference* found = differences.record(i, request, seen);
         // Later requests start from the same registry again.
         if (seen.referenceState != seen.candidateState) {
             copyRegistry(reference, candidate, scratch);
-            candidateBefore = deviceState(candidate);
+            candidateState.rebase();
         }
         if (i < sampleCount) writeSampleEntry(sample, request, seen, found);
         if ((i + 1) % 500 == 0) std::cerr << "cimdiff: " << (i + 1) << " of " << requests.size() << " sent\n";

@@ -275,17 +275,29 @@ void checkParameters(const CimRequest& request, const OperationSpec& signature) 
 }  // namespace
 
 // owcimomd's repository holds the served namespace and those above it
-// ("root" above "root/cimv2"), which have no classes; names are compared as
-// written ("ROOT/CIMV2" does not exist).
+// ("root" above "root/cimv2"), which have no classes; names are compared
+// ignoring case, except where the repository lists a namespace's classes
+// (requireExactNameSpace).
 void OperationDispatcher::checkNameSpace(const std::string& nameSpace) const {
-    std::string name = trimSlashes(nameSpace);
-    if (name == nameSpace_ || (!name.empty() && nameSpace_.compare(0, name.size() + 1, name + "/") == 0)) return;
+    std::string name = lowerCase(trimSlashes(nameSpace));
+    std::string served = lowerCase(nameSpace_);
+    if (name == served || (!name.empty() && served.compare(0, name.size() + 1, name + "/") == 0)) return;
     throwCim(CIMException::INVALID_NAMESPACE, nameSpace);
+}
+
+// The repository finds the classes at the top of a namespace under the
+// namespace's name as it was created: in "ROOT/CIMV2" owcimomd lists none
+// and answers that the namespace does not exist.
+void OperationDispatcher::requireExactNameSpace(const std::string& nameSpace) const {
+    std::string name = trimSlashes(nameSpace);
+    if (name != nameSpace_ && nameSpace_.compare(0, name.size() + 1, name + "/") != 0) {
+        throwCim(CIMException::INVALID_NAMESPACE, nameSpace);
+    }
 }
 
 const ClassRepository& OperationDispatcher::classesIn(const std::string& nameSpace) const {
     static const ClassRepository none;
-    return trimSlashes(nameSpace) == nameSpace_ ? classes_ : none;
+    return namesEqual(trimSlashes(nameSpace), nameSpace_) ? classes_ : none;
 }
 
 void OperationDispatcher::runIntrinsic(const CimRequest& request, Context& context, XmlWriter& xml) {
@@ -346,6 +358,7 @@ std::vector<const ClassDefinition*> selectClasses(const ClassRepository& classes
 void OperationDispatcher::enumerateClassNames(const CimRequest& request, XmlWriter& xml) {
     std::optional<std::string> root = request.classNameParam("ClassName");
     if (root) requireClass(request.nameSpace, *root, CIMException::INVALID_CLASS, *root);
+    else requireExactNameSpace(request.nameSpace);
     bool deep = request.booleanParam("DeepInheritance").value_or(false);
     xml.start("IRETURNVALUE");
     for (const ClassDefinition* cls : selectClasses(classesIn(request.nameSpace), root, deep)) {
@@ -357,6 +370,7 @@ void OperationDispatcher::enumerateClassNames(const CimRequest& request, XmlWrit
 void OperationDispatcher::enumerateClasses(const CimRequest& request, XmlWriter& xml) {
     std::optional<std::string> root = request.classNameParam("ClassName");
     if (root) requireClass(request.nameSpace, *root, CIMException::INVALID_CLASS, *root);
+    else requireExactNameSpace(request.nameSpace);
     bool deep = request.booleanParam("DeepInheritance").value_or(false);
     OutputFilter filter;
     filter.localOnly = request.booleanParam("LocalOnly").value_or(true);

@@ -61,6 +61,9 @@ private:
     // CIM_ERR_INVALID_NAMESPACE unless `nameSpace` is the host's or one
     // above it.
     void checkNameSpace(const std::string& nameSpace) const;
+    // CIM_ERR_INVALID_NAMESPACE unless `nameSpace` is spelled as the host's
+    // (or one above it) is.
+    void requireExactNameSpace(const std::string& nameSpace) const;
     // The classes of a namespace: the MOF's in the served one, none in those above it.
     const ClassRepository& classesIn(const std::string& nameSpace) const;
     // The class of a name in a namespace, ignoring case; else CIM error

@@ -140,11 +140,14 @@ TEST_F(Dispatcher, ErrorsCarryOpenWbem30Descriptions) {
         // All parameters are read before the namespace is looked at.
         {call("GetInstance", "", "root/other"), "(Non-optional parameter InstanceName was not given)"},
         // owcimomd's repository has "root" above "root/cimv2", without
-        // classes; namespace names are matched as written.
+        // classes; namespace names are matched ignoring case, except when
+        // the classes at the top of a namespace are listed.
         {call("EnumerateClassNames", "", "root"), "<IRETURNVALUE></IRETURNVALUE>"},
         {call("EnumerateInstances", param("ClassName", "<CLASSNAME NAME=\"Test_Widget\"/>"), "root"),
          "<ERROR CODE=\"5\" DESCRIPTION=\"class does not exist (/root:Test_Widget)\"/>"},
-        {call("EnumerateInstances", param("ClassName", "<CLASSNAME NAME=\"Test_Widget\"/>"), "Root/CIMV2"),
+        {call("EnumerateInstanceNames", param("ClassName", "<CLASSNAME NAME=\"Test_Widget\"/>"), "Root/CIMV2"),
+         "VALUETYPE=\"string\">B2</KEYVALUE>"},
+        {call("EnumerateClasses", "", "Root/CIMV2"),
          "<ERROR CODE=\"3\" DESCRIPTION=\"namespace does not exist (Root/CIMV2)\"/>"},
         // A LOCALNAMESPACEPATH without NAMESPACE fails in owcimomd's XML
         // parser, whatever the operation.
