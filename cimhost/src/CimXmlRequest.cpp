@@ -1,5 +1,7 @@
 #include "CimXmlRequest.hpp"
 
+#include <cctype>
+#include <cstdlib>
 #include <cstring>
 
 namespace cimhost {
@@ -57,6 +59,14 @@ std::string namespaceFromLocalPath(const pugi::xml_node& localPath) {
     return ns;
 }
 
+// An integer or a real number, as owcimomd converts numeric key text.
+bool isNumber(const std::string& text) {
+    if (text.empty() || std::isspace(static_cast<unsigned char>(text[0]))) return false;
+    char* end = nullptr;
+    std::strtod(text.c_str(), &end);
+    return end && *end == '\0';
+}
+
 InstanceNameText readInstanceName(const pugi::xml_node& node) {
     if (!isElement(node, "INSTANCENAME")) throw InvalidRequest("expected INSTANCENAME");
     InstanceNameText name;
@@ -73,6 +83,17 @@ InstanceNameText readInstanceName(const pugi::xml_node& node) {
         KeyBindingText key;
         key.name = requiredAttribute(binding, "NAME");
         std::vector<pugi::xml_node> value = elementChildren(binding);
+        std::vector<pugi::xml_node> referenced =
+            value.size() == 1 && isElement(value[0], "VALUE.REFERENCE") ? elementChildren(value[0])
+                                                                         : std::vector<pugi::xml_node>();
+        if (referenced.size() == 1 && isElement(referenced[0], "CLASSNAME")) {
+            // owcimomd keys by the reference's text, a class path without
+            // namespace.
+            key.valueType = "string";
+            key.text = "/:" + requiredAttribute(referenced[0], "NAME");
+            name.keys.push_back(std::move(key));
+            continue;
+        }
         if (value.size() != 1 || !isElement(value[0], "KEYVALUE")) {
             throw InvalidRequest("KEYBINDING " + key.name + " must hold one KEYVALUE");
         }
@@ -80,6 +101,11 @@ InstanceNameText readInstanceName(const pugi::xml_node& node) {
         if (key.valueType.empty()) key.valueType = "string";
         key.type = optionalAttribute(value[0], "TYPE");
         key.text = leafText(value[0]);
+        if (key.valueType == "numeric" && !isNumber(key.text)) {
+            // owcimomd converts a numeric key as it reads the request; what
+            // is no integer it tries as a real last.
+            throw RequestFault(1, "Unable to convert \"" + key.text + "\" into Real64");
+        }
         name.keys.push_back(std::move(key));
     }
     return name;
@@ -182,7 +208,13 @@ void readExtrinsicTarget(CimRequest& request, const pugi::xml_node& path) {
     request.nameSpace = namespaceFromLocalPath(parts[0]);
     if (request.nameSpace.empty()) request.nameSpaceFault = kNoNamespace;
     if (isElement(path, "LOCALINSTANCEPATH")) {
-        request.target = readInstanceName(parts[1]);
+        try {
+            request.target = readInstanceName(parts[1]);
+        } catch (const RequestFault& fault) {
+            request.target.className = optionalAttribute(parts[1], "CLASSNAME");
+            request.fault = fault.what();
+            request.faultCode = fault.code;
+        }
     } else {
         if (!isElement(parts[1], "CLASSNAME")) throw InvalidRequest("LOCALCLASSPATH needs a CLASSNAME");
         request.target.className = requiredAttribute(parts[1], "NAME");
@@ -356,14 +388,18 @@ CimRequest parseCimRequest(const std::string& body) {
         if (parts.empty()) throw InvalidRequest("IMETHODCALL needs a LOCALNAMESPACEPATH");
         request.nameSpace = namespaceFromLocalPath(parts[0]);
         if (request.nameSpace.empty()) request.nameSpaceFault = kNoNamespace;
-    if (request.nameSpace.empty()) request.nameSpaceFault = kNoNamespace;
         for (size_t i = 1; i < parts.size(); ++i) {
             if (!isElement(parts[i], "IPARAMVALUE")) throw InvalidRequest("IMETHODCALL holds only IPARAMVALUE");
             std::string name = requiredAttribute(parts[i], "NAME");
-            for (const auto& known : request.intrinsicParams) {
-                if (namesEqual(known.first, name)) throw InvalidRequest("parameter " + name + " given twice");
+            // As owcimomd reads parameters, one given again replaces the first.
+            bool known = false;
+            for (auto& param : request.intrinsicParams) {
+                if (namesEqual(param.first, name)) {
+                    param.second = parts[i];
+                    known = true;
+                }
             }
-            request.intrinsicParams.emplace_back(name, parts[i]);
+            if (!known) request.intrinsicParams.emplace_back(name, parts[i]);
         }
     } else if (isElement(call, "METHODCALL")) {
         request.intrinsic = false;

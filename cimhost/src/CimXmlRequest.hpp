@@ -35,6 +35,14 @@ public:
     using std::runtime_error::runtime_error;
 };
 
+// A request that owcimomd fails with a CIM error while it reads it (a
+// numeric key that is no number: CIM error 1); answered as that CIM error.
+class RequestFault : public std::runtime_error {
+public:
+    RequestFault(int code, const std::string& message) : std::runtime_error(message), code(code) {}
+    int code;
+};
+
 // A MULTIREQ (HTTP 501, multiple-requests-unsupported).
 class MultipleRequestsUnsupported : public std::runtime_error {
 public:
@@ -87,6 +95,10 @@ public:
     // parser then fails the request, whatever it asks, with CIM error 4 and
     // this text.
     std::string nameSpaceFault;
+    // Set when reading the method call's target failed as owcimomd's would
+    // (RequestFault): answered with CIM error `faultCode` and this text.
+    std::string fault;
+    int faultCode = 0;
     // Extrinsic calls: the target object (instance path or class path) and
     // the parameters in request order.
     InstanceNameText target;

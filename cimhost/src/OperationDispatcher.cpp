@@ -155,6 +155,7 @@ std::string OperationDispatcher::handle(const CimRequest& request, const std::st
     try {
         try {
             if (!request.nameSpaceFault.empty()) throwCim(CIMException::INVALID_PARAMETER, request.nameSpaceFault);
+            if (!request.fault.empty()) throwCim(static_cast<CIMException::ErrNoType>(request.faultCode), request.fault);
             Context context{OW::ProviderEnvironmentIFCRef(new HostProviderEnvironment(log_, userName)),
                             request.nameSpace, nullptr};
             if (request.intrinsic) {
@@ -167,6 +168,8 @@ std::string OperationDispatcher::handle(const CimRequest& request, const std::st
             // A parameter of the wrong form is a CIM error, as the object
             // manager reports it, not an HTTP one.
             throwCim(CIMException::INVALID_PARAMETER, e.what());
+        } catch (const RequestFault& e) {
+            throwCim(static_cast<CIMException::ErrNoType>(e.code), e.what());
         }
     } catch (const CIMException& e) {
         fail(e.getErrNo(), e.getMessage(),

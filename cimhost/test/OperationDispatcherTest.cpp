@@ -154,6 +154,19 @@ TEST_F(Dispatcher, ErrorsCarryOpenWbem30Descriptions) {
         {call("NoSuchOperation", "", ""),
          "<ERROR CODE=\"4\" DESCRIPTION=\"invalid parameter passed to method (CIMXMLParser::mustGetChild("
          "CIMXMLParser::tokenId tId=NAMESPACE) failed.  parser = m_good = 0&#10;&lt;/LOCALNAMESPACEPATH&gt;&#10;)\"/>"},
+        // As owcimomd reads a request: a numeric key that is no number is
+        // CIM error 1 before anything else is looked at, a reference as a
+        // key is its text, a parameter given again replaces the first.
+        {call("GetInstance", param("InstanceName", "<INSTANCENAME CLASSNAME=\"Test_Widget\"><KEYBINDING NAME=\"Id\">"
+                                                   "<KEYVALUE VALUETYPE=\"numeric\">B2</KEYVALUE></KEYBINDING></INSTANCENAME>"),
+              "root/other"),
+         "<ERROR CODE=\"1\" DESCRIPTION=\"general error (Unable to convert &quot;B2&quot; into Real64)\"/>"},
+        {call("GetInstance", param("InstanceName", "<INSTANCENAME CLASSNAME=\"Test_Widget\"><KEYBINDING NAME=\"Id\">"
+                                                   "<VALUE.REFERENCE><CLASSNAME NAME=\"X\"/></VALUE.REFERENCE>"
+                                                   "</KEYBINDING></INSTANCENAME>")),
+         "<PROPERTY NAME=\"Id\" TYPE=\"string\"><VALUE>/:X</VALUE>"},
+        {call("GetInstance", param("InstanceName", widgetName("nothing")) + param("InstanceName", widgetName("B2"))),
+         "<VALUE>B2</VALUE>"},
         // An empty boolean is false; another text is not a boolean.
         {call("EnumerateInstances", param("ClassName", "<CLASSNAME NAME=\"Test_Widget\"/>") +
                                         param("LocalOnly", "<VALUE></VALUE>") + param("DeepInheritance", "<VALUE>yes</VALUE>")),
