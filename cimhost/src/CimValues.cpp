@@ -36,7 +36,8 @@ CIMValue scalarFromText(const std::string& type, const std::string& text) {
         throw;
     } catch (const OW::Exception& e) {
         if (text.empty() || String(text.c_str()).equalsIgnoreCase("NULL")) return CIMValue(OW::CIMNULL);
-        throwCim(CIMException::INVALID_PARAMETER, e.getMessage());
+        // owcimomd reports a date-time it cannot read as a general error.
+        throwCim(type == "datetime" ? CIMException::FAILED : CIMException::INVALID_PARAMETER, e.getMessage());
     }
 }
 

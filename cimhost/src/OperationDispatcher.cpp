@@ -311,6 +311,13 @@ void OperationDispatcher::runIntrinsic(const CimRequest& request, Context& conte
         if (namesEqual(candidate.name, request.methodName)) signature = &candidate;
     }
     if (!signature) throwCim(CIMException::NOT_SUPPORTED, "");
+    // owcimomd converts an instance's values by the types the request gives
+    // as it reads the request, before anything else is looked at.
+    if (namesEqual(signature->name, "ModifyInstance")) {
+        if (auto named = request.namedInstanceParam("ModifiedInstance")) instanceFromText(named->second, request.nameSpace);
+    } else if (namesEqual(signature->name, "CreateInstance")) {
+        if (auto created = request.instanceParam("NewInstance")) instanceFromText(*created, request.nameSpace);
+    }
     checkParameters(request, *signature);
     checkNameSpace(request.nameSpace);
     const std::string op = signature->name;

@@ -167,6 +167,17 @@ TEST_F(Dispatcher, ErrorsCarryOpenWbem30Descriptions) {
          "<PROPERTY NAME=\"Id\" TYPE=\"string\"><VALUE>/:X</VALUE>"},
         {call("GetInstance", param("InstanceName", widgetName("nothing")) + param("InstanceName", widgetName("B2"))),
          "<VALUE>B2</VALUE>"},
+        // An instance's values are converted by the request's types first;
+        // a date-time that is none is a general error.
+        {call("ModifyInstance",
+              param("ModifiedInstance", "<VALUE.NAMEDINSTANCE>" + widgetName("B2") + "<INSTANCE CLASSNAME=\"Test_Widget\">"
+                                        "<PROPERTY NAME=\"Count\" TYPE=\"uint16\"><VALUE>a b</VALUE></PROPERTY>"
+                                        "</INSTANCE></VALUE.NAMEDINSTANCE>"),
+              "root/other"),
+         "(Unable to convert &quot;a b&quot; into UInt16)"},
+        {call("CreateInstance", param("NewInstance", "<INSTANCE CLASSNAME=\"No_Such\"><PROPERTY NAME=\"When\" "
+                                                     "TYPE=\"datetime\"><VALUE>abc</VALUE></PROPERTY></INSTANCE>")),
+         "<ERROR CODE=\"1\" DESCRIPTION=\"general error (Invalid format for date time)\"/>"},
         // An empty boolean is false; another text is not a boolean.
         {call("EnumerateInstances", param("ClassName", "<CLASSNAME NAME=\"Test_Widget\"/>") +
                                         param("LocalOnly", "<VALUE></VALUE>") + param("DeepInheritance", "<VALUE>yes</VALUE>")),
