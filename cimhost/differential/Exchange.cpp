@@ -11,11 +11,14 @@
 #include <array>
 #include <chrono>
 #include <cstdio>
+#include <sstream>
 #include <stdexcept>
 
 #include <boost/asio/buffer.hpp>
 #include <boost/beast/http.hpp>
 #include <pugixml.hpp>
+
+#include <OW_CIMException.hpp>
 
 namespace cimdiff {
 namespace {
@@ -217,6 +220,43 @@ std::string canonicalAnswer(const std::string& response) {
         out += "header WWW-Authenticate: " + value.substr(0, value.find(' ')) + "\n";
     }
     if (message.result_int() == 200) out += canonicalBody(message.body());
+    return out;
+}
+
+std::string inSeries32Words(const std::string& canonical) {
+    std::istringstream lines(canonical);
+    std::string line, out;
+    int code = 0;
+    while (std::getline(lines, line)) {
+        if (line.rfind("error ", 0) == 0) code = std::atoi(line.c_str() + 6);
+        if (line.rfind("description ", 0) == 0 && code > 0) {
+            std::string text = line.substr(12);
+            std::string words = OpenWBEM::CIMException::getCodeDescription(
+                static_cast<OpenWBEM::CIMException::ErrNoType>(code));
+            if (text == words) text.clear();
+            else if (text.rfind(words + " (", 0) == 0 && text.back() == ')') {
+                text = text.substr(words.size() + 2, text.size() - words.size() - 3);
+            }
+            line = "description " + text;
+        }
+        std::size_t at = line.find("00000000000000.000000+000");
+        if (at != std::string::npos) line.replace(at, 25, "00000000000000.000000:000");
+        out += line + "\n";
+    }
+    return out;
+}
+
+std::string withoutReturnValueType(const std::string& canonical) {
+    std::istringstream lines(canonical);
+    std::string line, out;
+    while (std::getline(lines, line)) {
+        std::size_t start = line.find_first_not_of(' ');
+        if (start != std::string::npos && line.compare(start, 11, "RETURNVALUE") == 0) {
+            std::size_t type = line.find(" PARAMTYPE=\"");
+            if (type != std::string::npos) line.erase(type, line.find('"', type + 12) + 1 - type);
+        }
+        out += line + "\n";
+    }
     return out;
 }
 

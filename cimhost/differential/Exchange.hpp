@@ -29,6 +29,14 @@ std::string exchange(const Target& target, const Request& request, int timeoutSe
 // whose body is not XML, is shown as such.
 std::string canonicalAnswer(const std::string& response);
 
+// A canonical answer of cimhost, which words what the OpenWBEM series
+// word differently as 3.0 does, as a 3.2 object manager words it: an error
+// description is the message alone (empty without one), the empty
+// date-time is a zero interval. The type a 3.2 RETURNVALUE names is left
+// out (from either answer: cimhost cannot know it).
+std::string inSeries32Words(const std::string& canonical);
+std::string withoutReturnValueType(const std::string& canonical);
+
 // The device state as the module left it: the registry and the scheduled
 // tasks.
 std::string deviceState(const Target& target);
