@@ -196,9 +196,10 @@ void writeSampleEntry(std::ostream& out, const Request& request, const Observati
     writeRequest(out, request);
     writeBlock(out, "answer", seen.reference);
     writeBlock(out, "state", seen.referenceState);
-    bool acceptedHere = found && !found->acceptedBecause.empty();
-    writeBlock(out, "candidate-answer", acceptedHere ? seen.candidate : "");
-    writeBlock(out, "candidate-state", acceptedHere ? seen.candidateState : "");
+    // Where the two differ (accepted or still open), replaying expects
+    // cimhost's own answer, so that any change to it shows.
+    writeBlock(out, "candidate-answer", found ? seen.candidate : "");
+    writeBlock(out, "candidate-state", found ? seen.candidateState : "");
 }
 
 int replaySample(std::istream& sample, const Target& candidate, std::ostream& out) {

@@ -94,9 +94,9 @@ private:
     Difference last_;
 };
 
-// The sample: each request with the reference's answer (and state), and,
-// where the run accepted a difference, the candidate's answer as well,
-// which replaying then expects.
+// The sample: each request with the reference's answer (and state change),
+// and, where the two differed, the candidate's as well, which replaying then
+// expects.
 void writeSampleEntry(std::ostream& out, const Request& request, const Observation& seen, const Difference* found);
 // Sends every request of the sample to `candidate` in order; prints each
 // answer that is not the recorded one. Returns 0 when none differs.

@@ -1,6 +1,10 @@
-// The differential run's own parts: the same seed gives the same requests,
-// the canonical answer hides exactly what a client cannot see, and accepted
-// differences match by kind, aspect and series.
+// What the differential run established, guarded on every run: the recorded
+// sample of its requests, with owcimomd 3.0.2's answers and, where the two
+// differ (accepted or still open), cimhost's, is replayed against cimhost
+// on a device state seeded as the run seeds it. Also the run's own parts:
+// the same seed gives the same requests, the canonical answer hides exactly
+// what a client cannot see, and accepted differences match by kind, aspect
+// and series.
 #include <gtest/gtest.h>
 
 #include <fstream>
@@ -88,6 +92,27 @@ TEST(Differential, AcceptedDifferencesMatchByKindAspectAndSeries) {
     EXPECT_NE(list32.reasonFor("ModifyInstance/null", "description"), nullptr);
     std::ofstream(scratch.file("broken")) << "ModifyInstance | description\n";
     EXPECT_THROW(cimdiff::AcceptedList::load(scratch.file("broken"), "3.0"), std::runtime_error);
+}
+
+// The recorded sample, replayed against cimhost with the credentials and
+// device state of the run that recorded it.
+TEST(Differential, CimhostAnswersTheRecordedSampleAsRecorded) {
+    TempDir state;
+    const std::string seed = "bash -c 'source \"$0\" && seed_device_state \"$1\"' " CDR_SOURCE_DIR
+                             "/scripts/common.sh " ZPO_BINARY;
+    ASSERT_EQ(runCommand("ZPO_ROOT=" + state.path() + " " + seed, state).exitCode, 0);
+    std::ofstream(state.file("auth")) << "owuser:" << runCommand("openssl passwd -6 owpass", state).out;
+    setenv("ZPO_ROOT", state.path().c_str(), 1);
+    HostProcess host(CIMHOST_BINARY, {"--provider", CDR_PROVIDER, "--mof", CDR_MOF, "--auth-file", state.file("auth")},
+                     state.file("host.log"));
+    ASSERT_TRUE(host.running()) << host.log();
+    std::ifstream sample(CDR_SOURCE_DIR "/cimhost/differential/sample-3.0.txt", std::ios::binary);
+    ASSERT_TRUE(sample.good());
+    cimdiff::Target cimhost{"cimhost", host.port(), ZPO_BINARY, state.path()};
+    std::ostringstream report;
+    EXPECT_EQ(cimdiff::replaySample(sample, cimhost, report), 0) << report.str();
+    EXPECT_NE(report.str().find(" recorded requests replayed, 0 answered otherwise"), std::string::npos) << report.str();
+    runCommand(std::string(ZPO_BINARY) + " queue remove CDRService", state);
 }
 
 }  // namespace
