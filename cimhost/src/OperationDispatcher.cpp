@@ -107,7 +107,13 @@ bool OperationDispatcher::isBound(const std::vector<Qualifier>& qualifiers) cons
 const ClassDefinition& OperationDispatcher::requireClass(const std::string& nameSpace, const std::string& className,
                                                          CIMException::ErrNoType code, const std::string& message) const {
     const ClassDefinition* cls = classesIn(nameSpace).findClass(className);
-    if (!cls) throwCim(code, message);
+    if (!cls) {
+        // owcimomd's repository finds a class in a namespace spelled in
+        // another case, but a class it does not find there makes it look the
+        // namespace up as spelled.
+        requireExactNameSpace(nameSpace);
+        throwCim(code, message);
+    }
     return *cls;
 }
 

@@ -130,3 +130,28 @@ TEST(CimXmlRequest, RefusesParametersOfTheWrongForm) {
 
 }  // namespace
 }  // namespace cimhost
+
+namespace cimhost {
+namespace {
+
+// owcimomd's parser runs the call as soon as it has read it: end tags that
+// do not match after the call are not seen, and a SIMPLEREQ holding no call
+// is a CIM error 1, not a refused request.
+TEST(CimXmlRequest, ReadsWhatOwcimomdsParserReadsBeforeItStops) {
+    std::string body = intrinsic("EnumerateClassNames", "");
+    body.erase(body.find("</MESSAGE>"), std::string("</MESSAGE>").size());
+    EXPECT_EQ(parseCimRequest(body).methodName, "EnumerateClassNames");
+    std::string cut = intrinsic("EnumerateClassNames", "");
+    cut.erase(cut.find("</IMETHODCALL>"), std::string("</IMETHODCALL>").size());
+    EXPECT_THROW(parseCimRequest(cut), MalformedRequest);
+
+    std::string nested = intrinsic("EnumerateClassNames", "");
+    nested.insert(nested.find("<SIMPLEREQ>"), "<SIMPLEREQ>");
+    nested.insert(nested.find("</SIMPLEREQ>"), "</SIMPLEREQ>");
+    CimRequest request = parseCimRequest(nested);
+    EXPECT_EQ(request.faultCode, 1);
+    EXPECT_EQ(request.fault, "No <METHODCALL> or <IMETHODCALL> element");
+}
+
+}  // namespace
+}  // namespace cimhost

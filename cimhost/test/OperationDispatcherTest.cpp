@@ -149,6 +149,8 @@ TEST_F(Dispatcher, ErrorsCarryOpenWbem30Descriptions) {
          "VALUETYPE=\"string\">B2</KEYVALUE>"},
         {call("EnumerateClasses", "", "Root/CIMV2"),
          "<ERROR CODE=\"3\" DESCRIPTION=\"namespace does not exist (Root/CIMV2)\"/>"},
+        {call("GetClass", param("ClassName", "<CLASSNAME NAME=\"No_Such\"/>"), "Root/CIMV2"),
+         "<ERROR CODE=\"3\" DESCRIPTION=\"namespace does not exist (Root/CIMV2)\"/>"},
         // A LOCALNAMESPACEPATH without NAMESPACE fails in owcimomd's XML
         // parser, whatever the operation.
         {call("NoSuchOperation", "", ""),

@@ -143,10 +143,21 @@ CIMValue castValueToDataType(const CIMValue& value, const CIMDataType& dataType)
 	{
 		return value;
 	}
-	if (!isCompatible(from, to) || value.isArray() != dataType.isArrayType()
-		|| to == CIMDataType::EMBEDDEDCLASS || to == CIMDataType::EMBEDDEDINSTANCE)
+	if (!isCompatible(from, to) || to == CIMDataType::EMBEDDEDCLASS || to == CIMDataType::EMBEDDEDINSTANCE)
 	{
 		throwFailed(String("Failed to convert \"") + value.toString() + "\" to " + dataType.toString());
+	}
+	// As OpenWBEM casts between arrays and scalars: an array to a scalar is
+	// its first element (NULL when empty), a scalar to an array an array of
+	// that one element.
+	if (value.isArray() && !dataType.isArrayType())
+	{
+		StringArray texts = elementTexts(value);
+		return texts.empty() ? CIMValue(CIMNULL) : convertText(texts[0], dataType);
+	}
+	if (!value.isArray() && dataType.isArrayType())
+	{
+		return convertArray(CIMValue(StringArray(1, value.toString())), dataType);
 	}
 	if (value.isArray())
 	{

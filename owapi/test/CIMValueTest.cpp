@@ -255,4 +255,14 @@ TEST(CIMValueCast, ArraysConvertElementByElement)
 	ASSERT_TRUE(v.isArray());
 	EXPECT_EQ(CIMDataType::UINT8, v.getType());
 	EXPECT_STREQ("1,2", v.toString().c_str());
+
+	// Between arrays and scalars as OpenWBEM casts: the first element, or an
+	// array of one.
+	v = CIMValueCast::castValueToDataType(CIMValue(texts), CIMDataType::UINT8);
+	ASSERT_FALSE(v.isArray());
+	EXPECT_EQ(1, v.toUInt8());
+	EXPECT_FALSE(CIMValueCast::castValueToDataType(CIMValue(StringArray()), CIMDataType::UINT8));
+	v = CIMValueCast::castValueToDataType(CIMValue(UInt32(5)), CIMDataType(CIMDataType::STRING, 0));
+	ASSERT_TRUE(v.isArray());
+	EXPECT_STREQ("5", v.toString().c_str());
 }
