@@ -1,5 +1,7 @@
 #include "Requests.hpp"
 
+#include "XmlWriter.hpp"
+
 #include <algorithm>
 #include <cctype>
 #include <functional>
@@ -25,19 +27,8 @@ private:
     std::mt19937 engine_;
 };
 
-std::string escape(const std::string& text) {
-    std::string out;
-    for (char c : text) {
-        switch (c) {
-        case '<': out += "&lt;"; break;
-        case '>': out += "&gt;"; break;
-        case '&': out += "&amp;"; break;
-        case '"': out += "&quot;"; break;
-        default: out += c;
-        }
-    }
-    return out;
-}
+// Element text, escaped as the host escapes it.
+std::string escape(const std::string& text) { return cimhost::XmlWriter::escape(text, false); }
 
 std::string upper(std::string text) {
     for (char& c : text) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
