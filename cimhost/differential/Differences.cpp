@@ -111,25 +111,29 @@ AcceptedList AcceptedList::load(const std::string& path, const std::string& seri
         if (trim(line).empty() || trim(line)[0] == '#') continue;
         std::vector<std::string> fields;
         std::size_t start = 0;
-        for (int i = 0; i < 3; ++i) {
+        for (int i = 0; i < 4; ++i) {
             std::size_t bar = line.find('|', start);
             if (bar == std::string::npos) break;
             fields.push_back(trim(line.substr(start, bar - start)));
             start = bar + 1;
         }
         fields.push_back(trim(line.substr(start)));
-        if (fields.size() != 4 || fields[3].empty()) {
+        if (fields.size() != 5 || fields[4].empty()) {
             throw std::runtime_error(path + ":" + std::to_string(number) +
-                                     ": wants KIND-PATTERN | ASPECT | SERIES | reason");
+                                     ": wants KIND-PATTERN | ASPECT | SERIES | ANSWER-PATTERN | reason");
         }
-        if (fields[2] == "*" || fields[2] == series) list.entries_.push_back({fields[0], fields[1], fields[3]});
+        if (fields[2] == "*" || fields[2] == series) {
+            list.entries_.push_back({fields[0], fields[1], fields[3], fields[4]});
+        }
     }
     return list;
 }
 
-const std::string* AcceptedList::reasonFor(const std::string& kind, const std::string& aspect) const {
+const std::string* AcceptedList::reasonFor(const std::string& kind, const std::string& aspect,
+                                           const std::string& reference) const {
     for (const Entry& entry : entries_) {
-        if (fnmatch(entry.kind.c_str(), kind.c_str(), 0) == 0 && fnmatch(entry.aspect.c_str(), aspect.c_str(), 0) == 0) {
+        if (fnmatch(entry.kind.c_str(), kind.c_str(), 0) == 0 && fnmatch(entry.aspect.c_str(), aspect.c_str(), 0) == 0 &&
+            fnmatch(entry.reference.c_str(), reference.c_str(), 0) == 0) {
             return &entry.reason;
         }
     }
@@ -139,8 +143,10 @@ const std::string* AcceptedList::reasonFor(const std::string& kind, const std::s
 const Difference* Differences::record(std::size_t index, const Request& request, const Observation& seen) {
     std::string aspect = differingAspect(seen);
     if (aspect.empty()) return nullptr;
-    const std::string* reason = accepted_.reasonFor(request.kind, aspect);
-    Group& group = groups_[request.kind + " | " + aspect];
+    const std::string* reason = accepted_.reasonFor(request.kind, aspect, seen.reference);
+    // Requests of one kind whose difference is accepted for some answers
+    // only are two groups.
+    Group& group = groups_[request.kind + " | " + aspect + (reason ? " | accepted" : "")];
     if (group.count++ == 0) {
         group.difference = {request.kind, aspect, reason ? *reason : ""};
         group.firstIndex = index;

@@ -53,13 +53,16 @@ std::string differingAspect(const Observation& seen);
 class AcceptedList {
 public:
     static AcceptedList load(const std::string& path, const std::string& series);
-    // The reason a difference is accepted, or null.
-    const std::string* reasonFor(const std::string& kind, const std::string& aspect) const;
+    // The reason a difference is accepted, or null. `reference` is the
+    // reference's answer in canonical form.
+    const std::string* reasonFor(const std::string& kind, const std::string& aspect,
+                                 const std::string& reference) const;
 
 private:
     struct Entry {
         std::string kind;
         std::string aspect;
+        std::string reference;
         std::string reason;
     };
     std::vector<Entry> entries_;

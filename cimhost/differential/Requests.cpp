@@ -1,5 +1,6 @@
 #include "Requests.hpp"
 
+#include "RequestScreen.hpp"
 #include "XmlWriter.hpp"
 
 #include <algorithm>
@@ -163,7 +164,7 @@ struct Builder {
         // 3.0.2, and the rest of the run would compare against a new process.
         if (random.chance(8)) {
             const std::string& text = random.pick(oddText);
-            *variant = text == "\xc3\x28" ? "not-utf8" : "odd-text";
+            *variant = "odd-text";
             return text;
         }
         if (type == "string") return random.pick(strings);
@@ -202,7 +203,7 @@ struct Builder {
         }
         std::string text = scalarText(type, variant);
         // The odd texts carry their own character references.
-        std::string value = *variant == "odd-text" || *variant == "not-utf8" ? text : escape(text);
+        std::string value = *variant == "odd-text" ? text : escape(text);
         return "<PROPERTY NAME=\"" + name + "\"" + typeAttribute + "><VALUE>" + value + "</VALUE></PROPERTY>";
     }
 
@@ -213,9 +214,7 @@ struct Builder {
             const PropertyDefinition& definition = random.pick(cls.properties);
             std::string propertyVariant;
             out += property(definition, &propertyVariant);
-            // Bytes that are not UTF-8 decide the answer whatever else the
-            // instance holds.
-            if (propertyVariant == "not-utf8" || (!propertyVariant.empty() && variant->empty())) *variant = propertyVariant;
+            if (!propertyVariant.empty() && variant->empty()) *variant = propertyVariant;
             if (random.chance(8)) {
                 // The same property again, in another spelling and with
                 // another value.
@@ -279,7 +278,7 @@ Call intrinsic(Builder& b) {
         std::string spelling = b.className(cls);
         std::string instanceVariant;
         std::string instance = b.instance(cls, spelling, &instanceVariant);
-        if (variant.empty() || instanceVariant == "not-utf8") variant = instanceVariant;
+        if (variant.empty()) variant = instanceVariant;
         op("ModifyInstance", iparam("ModifiedInstance", "<VALUE.NAMEDINSTANCE>" + name + instance + "</VALUE.NAMEDINSTANCE>") +
                                  b.options(cls, {"IncludeQualifiers", "PropertyList"}), true);
         break;
@@ -473,7 +472,10 @@ std::vector<Request> generateRequests(const cimhost::ClassRepository& classes, u
             requests.push_back(protocolVariant(builder, call));
             continue;
         }
-        requests.push_back(finish(call.kind, call.writes, standardHead(call), envelope(call.body)));
+        // Bytes that are not UTF-8 decide the answer whatever else the
+        // request holds.
+        std::string kind = cimhost::isUtf8(call.body) ? call.kind : call.kind.substr(0, call.kind.find('/')) + "/not-utf8";
+        requests.push_back(finish(kind, call.writes, standardHead(call), envelope(call.body)));
     }
     return requests;
 }

@@ -8,6 +8,7 @@
 #include <OW_CIMParameter.hpp>
 #include <OW_CIMProperty.hpp>
 #include <OW_CIMQualifierType.hpp>
+#include <OW_CIMValueCast.hpp>
 #include <OW_Char16.hpp>
 #include <OW_String.hpp>
 
@@ -23,15 +24,28 @@ using OW::String;
     throw CIMException(__FILE__, __LINE__, code, message.c_str());
 }
 
+Series readingSeries = Series::OpenWbem30;
+
+bool isNumeric(const std::string& type) {
+    return CIMDataType::isNumericType(CIMDataType::strToSimpleType(String(type.c_str())));
+}
+
 // As the object manager reads a VALUE: a text that does not parse as its
 // type is CIM_ERR_INVALID_PARAMETER with the conversion's message, except
-// "NULL" (any case) and the empty text, which read as NULL.
+// "NULL" (any case), which reads as NULL. The empty text is a number's 0
+// (strtol reads nothing and stops at the end) and NULL for the types whose
+// conversion refuses it (boolean, char16).
 CIMValue scalarFromText(const std::string& type, const std::string& text) {
     if (CIMDataType::strToSimpleType(String(type.c_str())) == CIMDataType::INVALID) {
         throwCim(CIMException::INVALID_PARAMETER, "unknown CIM type " + type);
     }
+    const std::string& read = text.empty() && isNumeric(type) ? std::string("0") : text;
+    // 3.2 makes a scalar CHAR16 of any text (its first character); 3.0 wants one.
+    if (readingSeries == Series::OpenWbem32 && type == "char16" && !text.empty()) {
+        return CIMValue(OW::Char16(String(text.c_str())));
+    }
     try {
-        return CIMValue::createSimpleValue(String(type.c_str()), String(text.c_str()));
+        return CIMValue::createSimpleValue(String(type.c_str()), String(read.c_str()));
     } catch (const CIMException&) {
         throw;
     } catch (const OW::Exception& e) {
@@ -41,16 +55,26 @@ CIMValue scalarFromText(const std::string& type, const std::string& text) {
     }
 }
 
+// A VALUE.ARRAY, element by element as the object manager reads it: one
+// element that reads as NULL makes the whole value NULL.
 template <class T>
 CIMValue arrayFromTexts(const std::string& type, const std::vector<std::string>& texts) {
     OW::Array<T> items;
     for (const std::string& text : texts) {
         T item;
         CIMValue value = scalarFromText(type, text);
-        if (!value) throwCim(CIMException::INVALID_PARAMETER, "\"" + text + "\" is not a valid " + type);
+        if (!value) return CIMValue(OW::CIMNULL);
         value.get(item);
         items.push_back(item);
     }
+    return CIMValue(items);
+}
+
+// A boolean array element is true when it says "true" in any case and false
+// otherwise: owcimomd reads these without conversion errors.
+CIMValue booleanArrayFromTexts(const std::vector<std::string>& texts) {
+    OW::Array<OW::Bool> items;
+    for (const std::string& text : texts) items.push_back(OW::Bool(String(text.c_str()).equalsIgnoreCase("TRUE")));
     return CIMValue(items);
 }
 
@@ -94,6 +118,8 @@ OW::CIMQualifierArray qualifiersFromDefinition(const std::vector<Qualifier>& qua
 
 }  // namespace
 
+void readValuesAs(Series series) { readingSeries = series; }
+
 std::string dateTimeText(const OW::CIMDateTime& dateTime) {
     // The empty date-time (from an empty text) is a zero date in the 3.0
     // series, a zero interval in 3.2; the device runs 3.0.
@@ -136,12 +162,20 @@ CIMValue valueFromText(const std::string& type, const TextValue& text) {
         case CIMDataType::SINT64: return arrayFromTexts<OW::Int64>(type, text.elements);
         case CIMDataType::REAL32: return arrayFromTexts<OW::Real32>(type, text.elements);
         case CIMDataType::REAL64: return arrayFromTexts<OW::Real64>(type, text.elements);
-        case CIMDataType::BOOLEAN: return arrayFromTexts<OW::Bool>(type, text.elements);
+        case CIMDataType::BOOLEAN: return booleanArrayFromTexts(text.elements);
         case CIMDataType::CHAR16: return arrayFromTexts<OW::Char16>(type, text.elements);
         case CIMDataType::DATETIME: return arrayFromTexts<OW::CIMDateTime>(type, text.elements);
         case CIMDataType::STRING: return arrayFromTexts<String>(type, text.elements);
         default: throwCim(CIMException::INVALID_PARAMETER, "unknown CIM type " + type + " for an array");
     }
+}
+
+CIMValue castValue(const CIMValue& value, const CIMDataType& type) {
+    if (value && type && value.getType() == CIMDataType::STRING && !value.isArray() && type.isNumericType() &&
+        value.toString().empty()) {
+        return OW::CIMValueCast::castValueToDataType(CIMValue(String("0")), type);
+    }
+    return OW::CIMValueCast::castValueToDataType(value, type);
 }
 
 std::vector<std::string> valueTexts(const CIMValue& value) {
@@ -206,6 +240,9 @@ OW::CIMObjectPath objectPathFromText(const InstanceNameText& name, const std::st
 OW::CIMInstance instanceFromText(const InstanceText& text, const std::string& nameSpace) {
     OW::CIMInstance instance(OW::CIMName(String(text.className.c_str())));
     instance.setNameSpace(String(nameSpace.c_str()));
+    // Every PROPERTY as given, a name given twice included: the object
+    // manager fits the first to the class and hands on both.
+    OW::CIMPropertyArray properties;
     for (const PropertyText& p : text.properties) {
         OW::CIMName name(String(p.name.c_str()));
         CIMValue value(OW::CIMNULL);
@@ -220,8 +257,9 @@ OW::CIMInstance instanceFromText(const InstanceText& text, const std::string& na
         }
         OW::CIMProperty property(name, dataType);
         property.setValue(value);
-        instance.setProperty(property);
+        properties.push_back(property);
     }
+    instance.setProperties(properties);
     return instance;
 }
 

@@ -31,7 +31,16 @@ std::string cimTypeName(OW::CIMDataType::Type type);
 // accepted here). A text that does not parse as that type is
 // CIMException INVALID_PARAMETER, except "NULL" and the empty text, which
 // give NULL; so is an unknown type name.
+// The OpenWBEM series whose reading of request values to follow where 3.0
+// and 3.2 differ; one per process, 3.0 (the device's) unless set.
+enum class Series { OpenWbem30, OpenWbem32 };
+void readValuesAs(Series series);
+
 OW::CIMValue valueFromText(const std::string& type, const TextValue& text);
+
+// CIMValueCast::castValueToDataType as the object manager's own copy of
+// OpenWBEM runs it: there an empty string read as a number is 0.
+OW::CIMValue castValue(const OW::CIMValue& value, const OW::CIMDataType& type);
 
 // Element texts of a non-null, non-reference value: one for a scalar.
 std::vector<std::string> valueTexts(const OW::CIMValue& value);

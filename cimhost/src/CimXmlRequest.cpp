@@ -1,6 +1,7 @@
 #include "CimXmlRequest.hpp"
 
 #include <cctype>
+#include <cerrno>
 #include <cstdlib>
 #include <cstring>
 
@@ -67,6 +68,19 @@ bool isNumber(const std::string& text) {
     return end && *end == '\0';
 }
 
+// owcimomd converts a numeric key as it reads the request: to a 64-bit
+// integer (the empty text is 0), else to a real, else the request fails.
+// The key then travels as that number's text.
+std::string numericKeyText(const std::string& text) {
+    if (text.empty()) return "0";
+    if (!isNumber(text)) throw RequestFault(1, "Unable to convert \"" + text + "\" into Real64");
+    char* end = nullptr;
+    errno = 0;
+    long long integer = std::strtoll(text.c_str(), &end, 10);
+    if (*end == '\0' && errno == 0) return std::to_string(integer);
+    return text;
+}
+
 InstanceNameText readInstanceName(const pugi::xml_node& node) {
     if (!isElement(node, "INSTANCENAME")) throw InvalidRequest("expected INSTANCENAME");
     InstanceNameText name;
@@ -76,6 +90,7 @@ InstanceNameText readInstanceName(const pugi::xml_node& node) {
         // A single unnamed key.
         name.keys.push_back({"", optionalAttribute(children[0], "VALUETYPE"),
                              optionalAttribute(children[0], "TYPE"), leafText(children[0])});
+        if (name.keys.back().valueType == "numeric") name.keys.back().text = numericKeyText(name.keys.back().text);
         return name;
     }
     for (pugi::xml_node binding : children) {
@@ -101,11 +116,7 @@ InstanceNameText readInstanceName(const pugi::xml_node& node) {
         if (key.valueType.empty()) key.valueType = "string";
         key.type = optionalAttribute(value[0], "TYPE");
         key.text = leafText(value[0]);
-        if (key.valueType == "numeric" && !isNumber(key.text)) {
-            // owcimomd converts a numeric key as it reads the request; what
-            // is no integer it tries as a real last.
-            throw RequestFault(1, "Unable to convert \"" + key.text + "\" into Real64");
-        }
+        if (key.valueType == "numeric") key.text = numericKeyText(key.text);
         name.keys.push_back(std::move(key));
     }
     return name;
@@ -363,8 +374,11 @@ bool completeCallBefore(const std::string& body, std::ptrdiff_t offset) {
 
 CimRequest parseCimRequest(const std::string& body) {
     auto document = std::make_shared<pugi::xml_document>();
-    // Whitespace-only text is kept when it is a value's only content.
-    unsigned int options = pugi::parse_default | pugi::parse_doctype | pugi::parse_ws_pcdata_single;
+    // Whitespace-only text is kept when it is a value's only content. Text
+    // reaches the operation as sent: owcimomd's parser turns neither a
+    // carriage return into a line feed nor a tab in an attribute into a space.
+    unsigned int options = (pugi::parse_default & ~(pugi::parse_eol | pugi::parse_wconv_attribute)) |
+                           pugi::parse_doctype | pugi::parse_ws_pcdata_single;
     pugi::xml_parse_result parsed = document->load_buffer(body.data(), body.size(), options, pugi::encoding_utf8);
     if (!parsed && parsed.status == pugi::status_end_element_mismatch && completeCallBefore(body, parsed.offset)) {
         // owcimomd's parser runs the call once it has read it: end tags

@@ -1,9 +1,10 @@
 #include "ClassSync.hpp"
 
+#include "CimValues.hpp"
+
 #include <OW_CIMDataType.hpp>
 #include <OW_CIMProperty.hpp>
 #include <OW_CIMValue.hpp>
-#include <OW_CIMValueCast.hpp>
 #include <OW_String.hpp>
 
 namespace cimhost {
@@ -26,7 +27,7 @@ OW::CIMPropertyArray fitToClass(OW::CIMPropertyArray given, const OW::CIMPropert
             property = classProperty.clone();
             if (value) {
                 if (value.getType() != property.getDataType().getType()) {
-                    value = OW::CIMValueCast::castValueToDataType(value, property.getDataType());
+                    value = castValue(value, property.getDataType());
                 }
                 property.setValue(value);
             }

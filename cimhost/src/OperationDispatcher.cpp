@@ -90,6 +90,11 @@ OperationDispatcher::OperationDispatcher(const ClassRepository& classes, Provide
     : classes_(classes), module_(module), log_(log), nameSpace_(trimSlashes(nameSpace)),
       hostName_(std::move(hostName)) {}
 
+void OperationDispatcher::followSeries32() {
+    series32_ = true;
+    readValuesAs(Series::OpenWbem32);
+}
+
 std::vector<std::string> OperationDispatcher::boundClasses() const {
     std::vector<std::string> bound;
     for (const ClassDefinition& cls : classes_.classes()) {
@@ -288,8 +293,8 @@ void checkParameters(const CimRequest& request, const OperationSpec& signature) 
 // ignoring case, except where the repository lists a namespace's classes
 // (requireExactNameSpace).
 void OperationDispatcher::checkNameSpace(const std::string& nameSpace) const {
-    std::string name = lowerCase(trimSlashes(nameSpace));
-    std::string served = lowerCase(nameSpace_);
+    std::string name = series32_ ? trimSlashes(nameSpace) : lowerCase(trimSlashes(nameSpace));
+    std::string served = series32_ ? nameSpace_ : lowerCase(nameSpace_);
     if (name == served || (!name.empty() && served.compare(0, name.size() + 1, name + "/") == 0)) return;
     throwCim(CIMException::INVALID_NAMESPACE, nameSpace);
 }
@@ -306,7 +311,9 @@ void OperationDispatcher::requireExactNameSpace(const std::string& nameSpace) co
 
 const ClassRepository& OperationDispatcher::classesIn(const std::string& nameSpace) const {
     static const ClassRepository none;
-    return namesEqual(trimSlashes(nameSpace), nameSpace_) ? classes_ : none;
+    std::string name = trimSlashes(nameSpace);
+    bool served = series32_ ? name == nameSpace_ : namesEqual(name, nameSpace_);
+    return served ? classes_ : none;
 }
 
 void OperationDispatcher::runIntrinsic(const CimRequest& request, Context& context, XmlWriter& xml) {
@@ -373,6 +380,7 @@ std::vector<const ClassDefinition*> selectClasses(const ClassRepository& classes
 
 void OperationDispatcher::enumerateClassNames(const CimRequest& request, XmlWriter& xml) {
     std::optional<std::string> root = request.classNameParam("ClassName");
+    if (root && root->empty()) root.reset();  // the repository's top, as no ClassName
     if (root) requireClass(request.nameSpace, *root, CIMException::INVALID_CLASS, *root);
     else requireExactNameSpace(request.nameSpace);
     bool deep = request.booleanParam("DeepInheritance").value_or(false);
@@ -385,6 +393,7 @@ void OperationDispatcher::enumerateClassNames(const CimRequest& request, XmlWrit
 
 void OperationDispatcher::enumerateClasses(const CimRequest& request, XmlWriter& xml) {
     std::optional<std::string> root = request.classNameParam("ClassName");
+    if (root && root->empty()) root.reset();  // the repository's top, as no ClassName
     if (root) requireClass(request.nameSpace, *root, CIMException::INVALID_CLASS, *root);
     else requireExactNameSpace(request.nameSpace);
     bool deep = request.booleanParam("DeepInheritance").value_or(false);
@@ -506,8 +515,21 @@ void OperationDispatcher::applyModification(Context& context, const ClassDefinit
     const OW::CIMClass& apiCls = apiClass(cls);
     OW::CppInstanceProviderIFC& provider = instanceProviderFor(cls, context);
     syncInstanceWithClass(modified, apiCls);
-    OW::CIMInstance previous = providerGetInstance(context, cls, OW::CIMObjectPath(context.ns(), modified), false,
-                                                   true, true, nullptr);
+    OW::CIMObjectPath path(context.ns(), modified);
+    if (series32_ && propertyList) {
+        // 3.2 cuts the instance to the listed properties (each must exist)
+        // and keeps the keys.
+        OW::CIMPropertyArray listed;
+        for (const String& name : *propertyList) {
+            OW::CIMProperty property = modified.getProperty(OW::CIMName(name));
+            if (!property) throwCim(CIMException::FAILED, "NoSuchProperty " + text(name));
+            listed.push_back(property);
+        }
+        OW::CIMPropertyArray keys = modified.getKeyValuePairs();
+        modified.setProperties(listed);
+        modified.setKeys(keys);
+    }
+    OW::CIMInstance previous = providerGetInstance(context, cls, path, false, true, true, nullptr);
     provider.modifyInstance(context.env, context.ns(), modified, previous, qualifiersFlag(includeQualifiers),
                             propertyList, apiCls);
 }
@@ -585,7 +607,7 @@ void OperationDispatcher::setProperty(const CimRequest& request, Context& contex
     OW::CIMValue value = newValue ? valueFromText("string", *newValue) : OW::CIMValue(OW::CIMNULL);
     if (value && value.getType() != classProperty.getDataType().getType()) {
         try {
-            value = OW::CIMValueCast::castValueToDataType(value, classProperty.getDataType());
+            value = castValue(value, classProperty.getDataType());
         } catch (const CIMException& e) {
             if (e.getErrNo() != CIMException::FAILED) throw;
             throwCim(CIMException::TYPE_MISMATCH, e.getDescription() ? e.getDescription() : "");
@@ -700,7 +722,7 @@ void OperationDispatcher::runExtrinsic(const CimRequest& request, Context& conte
         OW::CIMValue v = value.getValue();
         if (v && v.getType() != parameter.getType().getType()) {
             try {
-                value.setValue(OW::CIMValueCast::castValueToDataType(v, parameter.getType()));
+                value.setValue(castValue(v, parameter.getType()));
             } catch (const CIMException& e) {
                 throwCim(CIMException::INVALID_PARAMETER, e.getDescription() ? e.getDescription() : "");
             }

@@ -32,6 +32,12 @@ public:
 
     std::string handle(const CimRequest& request, const std::string& userName) override;
 
+    // Where OpenWBEM 3.2 differs from 3.0 (the device's series), as 3.2: a
+    // namespace is found only as spelled, a modification's instance is cut
+    // to its keys and the PropertyList before the provider sees it, and a
+    // scalar CHAR16 is read from any text.
+    void followSeries32();
+
     // Classes whose Provider qualifier names the loaded module.
     std::vector<std::string> boundClasses() const;
 
@@ -93,6 +99,7 @@ private:
     ProviderModule* module_;
     HostLog& log_;
     std::string nameSpace_;
+    bool series32_ = false;
     std::string hostName_;
     std::mutex apiClassesMutex_;
     std::map<std::string, OpenWBEM::CIMClass> apiClasses_;  // by lower-case name; entries are never removed

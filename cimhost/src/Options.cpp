@@ -20,6 +20,8 @@ const char* usageText() {
            "  --provider-ttl MIN  unload the provider after MIN idle minutes when it allows it, as\n"
            "                      cppprovifc.prov_TTL (default 5; 0: at the next poll; -1: never)\n"
            "  --unload-poll S     seconds between two checks for idle providers (default 60)\n"
+           "  --series 3.0|3.2    the OpenWBEM series to follow where the two differ (default 3.0,\n"
+           "                      the device's)\n"
            "  --log FILE          log to FILE (default: standard error)\n"
            "  --help              this text\n"
            "The platform state directory comes from ZPO_ROOT.\n";
@@ -78,6 +80,11 @@ Options parseOptions(int argc, char** argv, const std::string& defaultProvider, 
             }
         } else if (arg == "--unload-poll") {
             options.unloadPollSeconds = positiveNumber(arg, value());
+        } else if (arg == "--series") {
+            options.series = value();
+            if (options.series != "3.0" && options.series != "3.2") {
+                throw UsageError("--series is 3.0 or 3.2, not " + options.series);
+            }
         } else if (arg == "--insecure") {
             options.insecure = true;
         } else if (arg == "--listen") {

@@ -25,6 +25,7 @@ struct Options {
     int requestTimeoutSeconds = 10;
     int providerTtlMinutes = 5;  // OpenWBEM's cppprovifc.prov_TTL; -1: never unload
     int unloadPollSeconds = 60;  // OpenWBEM's unloader polls once a minute
+    std::string series = "3.0";  // the OpenWBEM series followed where 3.0 and 3.2 differ
     bool insecure = false;
     bool help = false;
 };

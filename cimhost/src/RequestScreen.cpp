@@ -92,6 +92,15 @@ bool startsAt(std::string_view body, size_t at, std::string_view prefix) {
 
 }  // namespace
 
+bool isUtf8(std::string_view text) {
+    unsigned long code = 0;
+    for (size_t at = 0, length = 0; at < text.size(); at += length) {
+        length = utf8Length(text, at, code);
+        if (length == 0) return false;
+    }
+    return true;
+}
+
 void screenRequestBody(std::string_view body, const XmlBudget& budget) {
     checkCharacters(body);
     size_t elements = 0;

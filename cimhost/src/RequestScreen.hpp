@@ -28,4 +28,7 @@ public:
 // other fault to the parser.
 void screenRequestBody(std::string_view body, const XmlBudget& budget);
 
+// Whether every byte sequence in `text` is UTF-8.
+bool isUtf8(std::string_view text);
+
 }  // namespace cimhost

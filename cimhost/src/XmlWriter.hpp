@@ -58,7 +58,8 @@ public:
     }
     const std::string& str() const { return out_; }
 
-    // Escapes &, < and > always, and " plus line ends inside attributes.
+    // Escapes &, <, > and carriage returns always, and ", line feeds and tabs
+    // inside attributes, as owcimomd does where a parser would change them.
     static std::string escape(const std::string& content, bool attribute) {
         std::string escaped;
         escaped.reserve(content.size());
@@ -69,7 +70,8 @@ public:
                 case '>': escaped += "&gt;"; break;
                 case '"': escaped += attribute ? "&quot;" : "\""; break;
                 case '\n': escaped += attribute ? "&#10;" : "\n"; break;
-                case '\r': escaped += attribute ? "&#13;" : "\r"; break;
+                case '\r': escaped += "&#13;"; break;
+                case '\t': escaped += attribute ? "&#9;" : "\t"; break;
                 default: escaped += c; break;
             }
         }

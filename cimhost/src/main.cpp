@@ -99,6 +99,7 @@ int main(int argc, char** argv) {
     }
 
     OperationDispatcher dispatcher(classes, module.get(), *log, options.nameSpace, options.listenHost);
+    if (options.series == "3.2") dispatcher.followSeries32();
     for (const std::string& name : dispatcher.boundClasses()) log->info("class " + name + " is served by " + module->id());
     ServerLimits limits;
     limits.maxConnections = options.maxConnections;

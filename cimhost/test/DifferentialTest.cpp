@@ -79,18 +79,23 @@ TEST(Differential, TheSameSeedGivesTheSameRequestsAndAnotherSeedOthers) {
     EXPECT_EQ(again.str(), first);
 }
 
-TEST(Differential, AcceptedDifferencesMatchByKindAspectAndSeries) {
+TEST(Differential, AcceptedDifferencesMatchByKindAspectSeriesAndAnswer) {
     TempDir scratch;
-    std::ofstream(scratch.file("accepted")) << "# why\nprotocol/truncated-xml * | status | * | owcimomd's HTTP fault\n"
-                                               "ModifyInstance* | description | 3.2 | 3.2 words it otherwise\n";
+    std::ofstream(scratch.file("accepted")) << "# why\nprotocol/truncated-xml * | status | * | * | owcimomd's HTTP fault\n"
+                                               "ModifyInstance* | description | 3.2 | * | 3.2 words it otherwise\n"
+                                               "* | status | 3.2 | status none*error 1* | 3.2's HTTP fault\n";
+    const std::string answer = "status 200\nerror 4\n", cut = "status none\nerror 1\ndescription x\n";
     auto list30 = cimdiff::AcceptedList::load(scratch.file("accepted"), "3.0");
-    ASSERT_NE(list30.reasonFor("protocol/truncated-xml GetClass", "status"), nullptr);
-    EXPECT_EQ(*list30.reasonFor("protocol/truncated-xml GetClass", "status"), "owcimomd's HTTP fault");
-    EXPECT_EQ(list30.reasonFor("protocol/truncated-xml GetClass", "result"), nullptr);
-    EXPECT_EQ(list30.reasonFor("ModifyInstance/null", "description"), nullptr);
+    ASSERT_NE(list30.reasonFor("protocol/truncated-xml GetClass", "status", answer), nullptr);
+    EXPECT_EQ(*list30.reasonFor("protocol/truncated-xml GetClass", "status", answer), "owcimomd's HTTP fault");
+    EXPECT_EQ(list30.reasonFor("protocol/truncated-xml GetClass", "result", answer), nullptr);
+    EXPECT_EQ(list30.reasonFor("ModifyInstance/null", "description", answer), nullptr);
+    EXPECT_EQ(list30.reasonFor("CreateInstance", "status", cut), nullptr);
     auto list32 = cimdiff::AcceptedList::load(scratch.file("accepted"), "3.2");
-    EXPECT_NE(list32.reasonFor("ModifyInstance/null", "description"), nullptr);
-    std::ofstream(scratch.file("broken")) << "ModifyInstance | description\n";
+    EXPECT_NE(list32.reasonFor("ModifyInstance/null", "description", answer), nullptr);
+    EXPECT_EQ(*list32.reasonFor("CreateInstance", "status", cut), "3.2's HTTP fault");
+    EXPECT_EQ(list32.reasonFor("CreateInstance", "status", answer), nullptr);
+    std::ofstream(scratch.file("broken")) << "ModifyInstance | description | * | reason\n";
     EXPECT_THROW(cimdiff::AcceptedList::load(scratch.file("broken"), "3.0"), std::runtime_error);
 }
 

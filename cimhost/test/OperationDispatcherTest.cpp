@@ -319,6 +319,65 @@ TEST_F(Dispatcher, CreateFitsTheNewInstanceToTheClass) {
         << response;
 }
 
+// XMLCIMFactory reads values as C strings: an empty number is 0 (strtol
+// stops at once at the end), a boolean array never fails (an element is true
+// when it says "true"), a CHAR16 is one character, and text arrives as sent:
+// carriage returns and tabs stay, and go back out escaped.
+TEST_F(Dispatcher, ReadsValuesAsOpenWbemsXmlFactoryDoes) {
+    std::string response = run(modifyBody(
+        "<PROPERTY NAME=\"Id\" TYPE=\"string\"><VALUE>A1</VALUE></PROPERTY>"
+        "<PROPERTY NAME=\"Count\" TYPE=\"uint32\"><VALUE></VALUE></PROPERTY>"
+        "<PROPERTY.ARRAY NAME=\"Enabled\" TYPE=\"boolean\"><VALUE.ARRAY><VALUE>yes</VALUE></VALUE.ARRAY></PROPERTY.ARRAY>"
+        "<PROPERTY NAME=\"label\" TYPE=\"string\"><VALUE>first</VALUE></PROPERTY>"
+        "<PROPERTY NAME=\"LABEL\" TYPE=\"uint8\"><VALUE>2</VALUE></PROPERTY>"));
+    EXPECT_NE(response.find("<IMETHODRESPONSE NAME=\"ModifyInstance\"></IMETHODRESPONSE>"), std::string::npos) << response;
+    // A property named twice: the first is fitted to the class, both go on.
+    EXPECT_NE(logged().find("Id=string:A1,Count=uint32:0,Enabled=boolean:false,Label=string:first,LABEL=uint8:2"),
+              std::string::npos) << logged();
+
+    const std::pair<std::string, std::string> cases[] = {
+        {modifyBody("<PROPERTY NAME=\"Label\" TYPE=\"char16\"><VALUE>ab</VALUE></PROPERTY>"),
+         "(Unable to convert &quot;ab&quot; into Char16)"},
+        {modifyBody("<PROPERTY NAME=\"Count\" TYPE=\"uint16\"><VALUE>1\r2\t3</VALUE></PROPERTY>"),
+         "(Unable to convert &quot;1&#13;2&#9;3&quot; into UInt16)"},
+        // A numeric key is a 64-bit integer first: the empty one is 0.
+        {call("GetInstance", param("InstanceName", "<INSTANCENAME CLASSNAME=\"Test_Widget\"><KEYBINDING NAME=\"Id\">"
+                                                   "<KEYVALUE VALUETYPE=\"numeric\"></KEYVALUE></KEYBINDING></INSTANCENAME>")),
+         "<PROPERTY NAME=\"Id\" TYPE=\"string\"><VALUE>0</VALUE>"},
+        // An empty ClassName is the top of the namespace.
+        {call("EnumerateClassNames", param("ClassName", "<CLASSNAME NAME=\"\"/>")), "<CLASSNAME NAME=\"Test_Widget\"/>"},
+        // A date-time that does not parse says so, also where it is cast.
+        {call("SetProperty", param("InstanceName", widgetName("A1")) + param("PropertyName", "<VALUE>Seen</VALUE>") +
+                                 param("NewValue", "<VALUE>abc</VALUE>")),
+         "<ERROR CODE=\"13\" DESCRIPTION=\"value supplied is incompatible with type (Invalid format for date time)\"/>"},
+    };
+    for (const auto& [body, expected] : cases) {
+        std::string answer = run(body);
+        EXPECT_NE(answer.find(expected), std::string::npos) << answer;
+    }
+    EXPECT_NE(logged().find("getInstance ns=root/cimv2 class=Test_Widget Id=0 "), std::string::npos) << logged();
+}
+
+// Where 3.2 differs from 3.0, the device's series, cimhost can follow 3.2:
+// a namespace is found only as spelled, a modification reaches the provider
+// cut to its keys and the PropertyList, and any text is a scalar CHAR16.
+TEST_F(Dispatcher, FollowsOpenWbem32WhereItDiffersFrom30) {
+    std::string body = call("EnumerateInstanceNames", param("ClassName", "<CLASSNAME NAME=\"Test_Widget\"/>"), "ROOT/CIMV2");
+    std::string char16 = modifyBody("<PROPERTY NAME=\"Label\" TYPE=\"char16\"><VALUE>ab</VALUE></PROPERTY>");
+    EXPECT_NE(run(body).find("<INSTANCENAME CLASSNAME=\"Test_Widget\">"), std::string::npos);
+    EXPECT_NE(run(char16).find("<ERROR CODE=\"4\""), std::string::npos);
+    dispatcher->followSeries32();
+    EXPECT_NE(run(body).find("<ERROR CODE=\"3\" DESCRIPTION=\"namespace does not exist (ROOT/CIMV2)\"/>"), std::string::npos);
+    EXPECT_NE(run(call("EnumerateClassNames", "", "root")).find("<IRETURNVALUE></IRETURNVALUE>"), std::string::npos);
+    std::string answer = run(modifyBody("<PROPERTY NAME=\"Id\" TYPE=\"string\"><VALUE>A1</VALUE></PROPERTY>"
+                                        "<PROPERTY NAME=\"Label\" TYPE=\"char16\"><VALUE>ab</VALUE></PROPERTY>",
+                                        param("PropertyList", "<VALUE.ARRAY><VALUE>label</VALUE></VALUE.ARRAY>")));
+    readValuesAs(Series::OpenWbem30);
+    EXPECT_NE(answer.find("<IMETHODRESPONSE NAME=\"ModifyInstance\"></IMETHODRESPONSE>"), std::string::npos) << answer;
+    EXPECT_NE(logged().find("modifyInstance ns=root/cimv2 class=Test_Widget Label=string:a previous=A1 list=[label]"),
+              std::string::npos) << logged();
+}
+
 // SetProperty is a ModifyInstance of one property in owcimomd.
 TEST_F(Dispatcher, SetPropertyModifiesTheOneProperty) {
     auto setProperty = [&](const std::string& name, const std::string& value) {

@@ -386,7 +386,7 @@ CIMValue CIMValue::createSimpleValue(const String& cimtype, const String& value)
 		case CIMDataType::BOOLEAN: return CIMValue(value.toBool());
 		case CIMDataType::REAL32: return CIMValue(value.toReal32());
 		case CIMDataType::REAL64: return CIMValue(value.toReal64());
-		case CIMDataType::CHAR16: return CIMValue(Char16(value));
+		case CIMDataType::CHAR16: return CIMValue(value.toChar16());
 		case CIMDataType::STRING: return CIMValue(value);
 		case CIMDataType::DATETIME: return CIMValue(CIMDateTime(value));
 		case CIMDataType::REFERENCE: return CIMValue(CIMObjectPath::parse(value));

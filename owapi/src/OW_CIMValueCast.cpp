@@ -49,6 +49,11 @@ CIMValue convertText(const String& text, const CIMDataType& dataType)
 	{
 		throwFailed(e.getMessage());
 	}
+	catch (const CIMDateTimeException& e)
+	{
+		// A date-time that does not parse keeps its own message.
+		throwFailed(e.getMessage());
+	}
 	catch (const Exception&)
 	{
 		throwFailed(String("Failed to convert \"") + text + "\" to " + dataType.toString());

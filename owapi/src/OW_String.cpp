@@ -574,7 +574,15 @@ char& String::operator[](size_t ndx)
 
 String String::toString() const { return *this; }
 
-Char16 String::toChar16() const { return Char16(*this); }
+Char16 String::toChar16() const
+{
+	// One character, as OpenWBEM reads a CHAR16.
+	if (UTF8Length() != 1)
+	{
+		throwConversion(*this, "Char16");
+	}
+	return Char16(*this);
+}
 
 Real32 String::toReal32() const
 {

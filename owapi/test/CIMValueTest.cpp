@@ -4,6 +4,7 @@
 #include "OW_CIMDateTime.hpp"
 #include "OW_CIMObjectPath.hpp"
 #include "OW_Char16.hpp"
+#include <utility>
 #include <gtest/gtest.h>
 #include <string>
 
@@ -234,6 +235,24 @@ TEST(CIMValueCast, ConvertsThroughTextOrFailsWithFailed)
 	{
 		EXPECT_EQ(CIMException::FAILED, e.getErrNo());
 		EXPECT_STREQ("general error (Unable to convert \"abc\" into UInt32)", e.getMessage());
+	}
+	// As OpenWBEM: a date-time text that does not parse says so, and a
+	// CHAR16 is one character.
+	const std::pair<const char*, CIMDataType::Type> unreadable[] = {
+		{"abc", CIMDataType::DATETIME}, {"ab", CIMDataType::CHAR16}};
+	const char* messages[] = {"general error (Invalid format for date time)",
+		"general error (Unable to convert \"ab\" into Char16)"};
+	for (size_t i = 0; i < 2; ++i)
+	{
+		try
+		{
+			CIMValueCast::castValueToDataType(CIMValue(String(unreadable[i].first)), unreadable[i].second);
+			FAIL() << "no exception for " << unreadable[i].first;
+		}
+		catch (const CIMException& e)
+		{
+			EXPECT_STREQ(messages[i], e.getMessage());
+		}
 	}
 	try
 	{
