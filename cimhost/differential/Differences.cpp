@@ -176,7 +176,8 @@ void Differences::printSummary(std::ostream& out, std::size_t sent) const {
         << total - accepted << " not accepted in " << kinds << " kinds\n";
     for (const auto& entry : groups_) {
         const Group& group = entry.second;
-        out << (group.difference.acceptedBecause.empty() ? "DIFF     " : "accepted ") << entry.first << " ("
+        out << (group.difference.acceptedBecause.empty() ? "DIFF     " : "accepted ") << group.difference.kind << " | "
+            << group.difference.aspect << " ("
             << group.count << "x, first #" << group.firstIndex << ")\n";
     }
 }
@@ -185,7 +186,7 @@ void Differences::print(std::ostream& out, std::size_t sent) const {
     printSummary(out, sent);
     for (const auto& entry : groups_) {
         const Group& group = entry.second;
-        out << "\n== " << entry.first << ": " << group.count << " requests";
+        out << "\n== " << group.difference.kind << " | " << group.difference.aspect << ": " << group.count << " requests";
         if (!group.difference.acceptedBecause.empty()) out << " (accepted: " << group.difference.acceptedBecause << ")";
         out << "\n  request #" << group.firstIndex << ":\n" << shownRequest(group.firstRequest);
         if (group.difference.aspect == "state") {
