@@ -8,25 +8,37 @@
 --   CIMXML_CLOSE     when "1", ask for the connection to be closed after
 --                    each response (a new connection per request)
 --
+--   CIMXML_AUTHORIZATION  the Authorization header's value (optional)
+--
 -- A response that is not HTTP 200 or that carries a CIM error is counted;
 -- done() prints one "RESULT" line for bench/run.
+--
+-- The requests are built in init(), once wrk knows the host: they carry
+-- Host, which HTTP/1.1 requires (owcimomd answers 400 without it).
 
 local requests = {}
-local connection = os.getenv("CIMXML_CLOSE") == "1" and "close" or "keep-alive"
-for item in string.gmatch(os.getenv("CIMXML_REQUESTS") or "", "[^,]+") do
-  local method, path = string.match(item, "^([^=]+)=(.+)$")
-  local file = assert(io.open(path, "rb"), "cannot read " .. path)
-  local body = file:read("*a")
-  file:close()
-  requests[#requests + 1] = wrk.format("POST", "/cimom", {
-    ["Content-Type"] = "application/xml; charset=\"utf-8\"",
-    ["CIMOperation"] = "MethodCall",
-    ["CIMMethod"] = method,
-    ["CIMObject"] = "root/cimv2",
-    ["Connection"] = connection,
-  }, body)
+
+function init(args)
+  local connection = os.getenv("CIMXML_CLOSE") == "1" and "close" or "keep-alive"
+  local authorization = os.getenv("CIMXML_AUTHORIZATION")
+  for item in string.gmatch(os.getenv("CIMXML_REQUESTS") or "", "[^,]+") do
+    local method, path = string.match(item, "^([^=]+)=(.+)$")
+    local file = assert(io.open(path, "rb"), "cannot read " .. path)
+    local body = file:read("*a")
+    file:close()
+    local headers = {
+      ["Host"] = wrk.headers["Host"] or (wrk.host .. ":" .. wrk.port),
+      ["Content-Type"] = "application/xml; charset=\"utf-8\"",
+      ["CIMOperation"] = "MethodCall",
+      ["CIMMethod"] = method,
+      ["CIMObject"] = "root/cimv2",
+      ["Connection"] = connection,
+    }
+    if authorization and authorization ~= "" then headers["Authorization"] = authorization end
+    requests[#requests + 1] = wrk.format("POST", "/cimom", headers, body)
+  end
+  assert(#requests > 0, "CIMXML_REQUESTS names no request")
 end
-assert(#requests > 0, "CIMXML_REQUESTS names no request")
 
 local threads = {}
 function setup(thread)

@@ -4,9 +4,12 @@
 
 #include <crypt.h>
 #include <openssl/evp.h>
+#include <openssl/hmac.h>
+#include <openssl/rand.h>
 
 #include <fstream>
 #include <memory>
+#include <mutex>
 #include <stdexcept>
 #include <vector>
 
@@ -57,6 +60,65 @@ std::optional<std::string> basicCredentials(const std::string& header) {
 
 }  // namespace
 
+// Header values verified lately, keyed by their HMAC-SHA-256 under a key
+// drawn when the host starts, with the user each names and when it was
+// verified.
+struct Authenticator::Verified {
+    struct Entry {
+        std::string user;
+        std::chrono::steady_clock::time_point at;
+    };
+    std::mutex mutex;
+    unsigned char key[32];
+    size_t maxEntries = 256;
+    std::chrono::steady_clock::duration maxAge = std::chrono::minutes(5);
+    std::map<std::string, Entry> entries;
+
+    Verified() {
+        if (RAND_bytes(key, sizeof key) != 1) throw std::runtime_error("no random bytes for the credentials cache");
+    }
+
+    std::string digest(const std::string& header) const {
+        unsigned char out[EVP_MAX_MD_SIZE];
+        unsigned int length = 0;
+        HMAC(EVP_sha256(), key, sizeof key, reinterpret_cast<const unsigned char*>(header.data()), header.size(), out,
+             &length);
+        return std::string(reinterpret_cast<const char*>(out), length);
+    }
+
+    std::optional<std::string> find(const std::string& digest) {
+        std::lock_guard<std::mutex> lock(mutex);
+        auto it = entries.find(digest);
+        if (it == entries.end()) return std::nullopt;
+        if (std::chrono::steady_clock::now() - it->second.at >= maxAge) {
+            entries.erase(it);
+            return std::nullopt;
+        }
+        return it->second.user;
+    }
+
+    void remember(const std::string& digest, const std::string& user) {
+        std::lock_guard<std::mutex> lock(mutex);
+        if (maxEntries == 0) return;
+        if (entries.size() >= maxEntries && !entries.count(digest)) {
+            // Full: the oldest goes.
+            auto oldest = entries.begin();
+            for (auto it = entries.begin(); it != entries.end(); ++it) {
+                if (it->second.at < oldest->second.at) oldest = it;
+            }
+            entries.erase(oldest);
+        }
+        entries[digest] = {user, std::chrono::steady_clock::now()};
+    }
+};
+
+void Authenticator::rememberVerified(size_t maxEntries, std::chrono::steady_clock::duration maxAge) {
+    std::lock_guard<std::mutex> lock(verified_->mutex);
+    verified_->maxEntries = maxEntries;
+    verified_->maxAge = maxAge;
+    verified_->entries.clear();
+}
+
 Authenticator Authenticator::fromFile(const std::string& path) {
     std::ifstream in(path);
     if (!in) throw std::runtime_error("cannot read auth file " + path);
@@ -80,10 +142,13 @@ Authenticator Authenticator::fromFile(const std::string& path) {
     }
     if (auth.hashes_.empty()) throw std::runtime_error("auth file " + path + " names no user");
     auth.unknownUserHash_ = auth.hashes_.begin()->second;
+    auth.verified_ = std::make_shared<Verified>();
     return auth;
 }
 
 std::optional<std::string> Authenticator::check(const std::string& authorizationHeader) const {
+    std::string digest = verified_->digest(authorizationHeader);
+    if (std::optional<std::string> user = verified_->find(digest)) return user;
     std::optional<std::string> decoded = basicCredentials(authorizationHeader);
     if (!decoded || decoded->find('\0') != std::string::npos) return std::nullopt;
     size_t colon = decoded->find(':');
@@ -98,6 +163,7 @@ std::optional<std::string> Authenticator::check(const std::string& authorization
     const char* hashed = crypt_r(password.c_str(), hash.c_str(), data.get());
     bool matches = hashed && hashed[0] != '*' && sameText(hashed, hash);
     if (!matches || it == hashes_.end()) return std::nullopt;
+    verified_->remember(digest, user);
     return user;
 }
 

@@ -2,7 +2,10 @@
 #include <crypt.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <chrono>
 #include <fstream>
+#include <vector>
 
 #include "Authenticator.hpp"
 #include "HostProcess.hpp"
@@ -95,6 +98,49 @@ TEST_F(Credentials, SchemeInAnyCaseButNoNulInThePassword) {
     EXPECT_FALSE(auth.check(basic("Basic", std::string("alice:s3cret\0more", 17))));
     EXPECT_FALSE(auth.check(basic("Basic", "bob:s3cret")));
     EXPECT_FALSE(auth.check(basic("Bearer", "alice:s3cret")));
+}
+
+// Median microseconds of `runs` checks of one header value.
+double medianCheckMicros(const Authenticator& auth, const std::string& header, int runs) {
+    std::vector<double> times;
+    for (int i = 0; i < runs; ++i) {
+        auto start = std::chrono::steady_clock::now();
+        auth.check(header);
+        times.push_back(std::chrono::duration<double, std::micro>(std::chrono::steady_clock::now() - start).count());
+    }
+    std::sort(times.begin(), times.end());
+    return times[times.size() / 2];
+}
+
+// A verified header value is remembered and passes without hashing; a
+// wrong password is still checked in full and refused, and an unknown user
+// still costs what a wrong password costs. The memory is bounded in number
+// and age.
+TEST_F(Credentials, RemembersVerifiedCredentialsOnly) {
+    crypt_data data{};
+    std::string users = std::string("alice:") + crypt_r("s3cret", "$6$testsalt$", &data) + "\n";
+    users += std::string("bob:") + crypt_r("hunter2", "$6$othersalt$", &data) + "\n";
+    Authenticator auth = load(users);
+    const std::string alice = basic("Basic", "alice:s3cret"), bob = basic("Basic", "bob:hunter2");
+    double verifying = medianCheckMicros(auth, basic("Basic", "alice:wrong"), 5);
+    EXPECT_EQ(auth.check(alice), "alice");
+    double remembered = medianCheckMicros(auth, alice, 21);
+    EXPECT_LT(remembered * 10, verifying) << remembered << " µs remembered, " << verifying << " µs verifying";
+    EXPECT_FALSE(auth.check(basic("Basic", "alice:wrong")));
+    EXPECT_FALSE(auth.check(basic("Basic", "alice:s3cret ")));
+    double unknown = medianCheckMicros(auth, basic("Basic", "carol:s3cret"), 5);
+    EXPECT_GT(unknown * 3, verifying) << unknown << " µs for an unknown user, " << verifying << " µs";
+    EXPECT_LT(unknown, verifying * 3) << unknown << " µs for an unknown user, " << verifying << " µs";
+
+    // One entry: bob's verification pushes alice's out.
+    auth.rememberVerified(1, std::chrono::hours(1));
+    EXPECT_EQ(auth.check(alice), "alice");
+    EXPECT_EQ(auth.check(bob), "bob");
+    EXPECT_GT(medianCheckMicros(auth, alice, 1) * 10, verifying);
+    // No age: nothing is remembered.
+    auth.rememberVerified(256, std::chrono::seconds(0));
+    EXPECT_EQ(auth.check(alice), "alice");
+    EXPECT_GT(medianCheckMicros(auth, alice, 3) * 10, verifying);
 }
 
 TEST_F(Credentials, LinesThatAreNotCryptHashesAreRefusedAtLoad) {
