@@ -46,6 +46,7 @@
 #include "OW_RepositoryIFC.hpp"
 #include "OW_ResultHandlerIFC.hpp"
 
+#include "BenchModule.hpp"
 #include "RegistryCallCounter.h"
 #include "RegistryFloor.hpp"
 #include "ZpoShared.h"
@@ -53,39 +54,9 @@
 
 namespace {
 
-namespace OW = OW_NAMESPACE;
+using namespace cdrbench;
 
-const char* const kNamespace = "root/cimv2";
 const double kEnumerationTarget = 1.5;  // times the registry floor
-const OW::CIMClass kNoClass(OW::CIMNULL);
-
-// ---- The CIM object manager's side ---------------------------------------
-
-class DiscardingLogger : public OW::Logger {
- public:
-  DiscardingLogger() : OW::Logger("bench", OW::E_ERROR_LEVEL) {}
-
- protected:
-  void doProcessLogMessage(const OW::LogMessage&) const override {}
-  OW::LoggerRef doClone() const override { return OW::LoggerRef(new DiscardingLogger); }
-};
-
-class BenchEnvironment : public OW::ProviderEnvironmentIFC {
- public:
-  OW::CIMOMHandleIFCRef getCIMOMHandle() const override { return OW::CIMOMHandleIFCRef(); }
-  OW::CIMOMHandleIFCRef getRepositoryCIMOMHandle() const override { return OW::CIMOMHandleIFCRef(); }
-  OW::RepositoryIFCRef getRepository() const override { return OW::RepositoryIFCRef(); }
-  OW::LoggerRef getLogger() const override { return OW::LoggerRef(new DiscardingLogger); }
-  OW::LoggerRef getLogger(const OW::String&) const override { return OW::LoggerRef(new DiscardingLogger); }
-  OW::String getConfigItem(const OW::String&, const OW::String& defRetVal) const override { return defRetVal; }
-  OW::StringArray getMultiConfigItem(const OW::String&, const OW::StringArray& defRetVal,
-                                     const char*) const override {
-    return defRetVal;
-  }
-  OW::String getUserName() const override { return "bench"; }
-  OW::OperationContext& getOperationContext() override { throw std::logic_error("no operation context"); }
-  OW::ProviderEnvironmentIFCRef clone() const override { return OW::ProviderEnvironmentIFCRef(new BenchEnvironment); }
-};
 
 template <class T>
 class CountingHandler : public OW::ResultHandlerIFC<T> {
@@ -96,97 +67,7 @@ class CountingHandler : public OW::ResultHandlerIFC<T> {
   void doHandle(const T&) override { ++count; }
 };
 
-// The module loaded and initialised once for the whole run; its objects live
-// until the process ends, as in an object manager.
-struct LoadedModule {
-  OW::ProviderEnvironmentIFCRef env{new BenchEnvironment};
-  OW::IntrusiveReference<OW::CppProviderBaseIFC> base;
-  OW::CppInstanceProviderIFC* instances = nullptr;
-
-  explicit LoadedModule(const char* path) {
-    void* handle = dlopen(path, RTLD_NOW | RTLD_GLOBAL);
-    if (handle == nullptr) throw std::runtime_error(dlerror());
-    auto factory = reinterpret_cast<OW::CppProviderBaseIFC* (*)()>(dlsym(handle, "createProviderCDRProvider"));
-    if (factory == nullptr) throw std::runtime_error("createProviderCDRProvider not exported");
-    base = OW::IntrusiveReference<OW::CppProviderBaseIFC>(factory());
-    base->initialize(env);
-    instances = base->getInstanceProvider();
-    if (instances == nullptr) throw std::runtime_error("the module has no instance provider");
-  }
-
-  std::vector<OW::CIMObjectPath> names(const char* className) {
-    struct Collector : OW::CIMObjectPathResultHandlerIFC {
-      std::vector<OW::CIMObjectPath> items;
-      void doHandle(const OW::CIMObjectPath& path) override { items.push_back(path); }
-    } collector;
-    instances->enumInstanceNames(env, kNamespace, className, collector, kNoClass);
-    return collector.items;
-  }
-  OW::CIMInstance get(const OW::CIMObjectPath& path) {
-    return instances->getInstance(env, kNamespace, path, OW::WBEMFlags::E_NOT_LOCAL_ONLY,
-                                  OW::WBEMFlags::E_EXCLUDE_QUALIFIERS, OW::WBEMFlags::E_INCLUDE_CLASS_ORIGIN,
-                                  nullptr, kNoClass);
-  }
-};
-
 LoadedModule* module = nullptr;
-
-// ---- A configured device ------------------------------------------------
-
-struct SeedEntry {
-  const char* section;
-  const char* key;
-  char kind;          // 'b' binary (hex bytes), 'i' int, 's' string
-  const char* value;  // hex bytes, decimal number or text
-};
-
-// Settings a configured device that pushes its reports holds, so that every
-// read the module makes finds its entry (a failed read would add diagnostic
-// log lines and defaults written back).
-const SeedEntry kConfiguredDevice[] = {
-    {"CDRService", "FORMAT", 'b', "01"},        {"CDRService", "TYPE", 'b', "00"},
-    {"CDRService", "LANG", 'b', "00"},          {"CDRService", "FILTER", 'b', "00"},
-    {"CDRService", "FEATURE CODE", 'b', "f912"}, {"CDRService", "DATE", 'b', "00"},
-    {"CDRService", "HEADER", 'b', "00"},        {"CDRService", "DNIS", 'b', "00"},
-    {"CDRService", "CONNECT", 'b', "00"},       {"CDRService", "DIGITSSUPP", 'b', "00"},
-    {"CDRService", "DIGITSLIMIT", 'b', "0010"}, {"CDRService", "SCHEDULE", 'b', "00"},
-    {"CDRService", "FILESIZE", 'b', "0a"},      {"CDRService", "DISKLIMIT", 'i', "100"},
-    {"CDRService", "NAME", 'b', "00"},          {"CDRService", "LONGID", 'b', "00"},
-    {"CDRService", "CALLTYPE", 'b', "00"},      {"CDRService", "CHARGE", 'b', "00"},
-    {"CDRService", "SUPERVISE", 'b', "00"},     {"CDRService", "TIME", 'b', "00"},
-    {"CDRService", "HOSPITAL", 'b', "00"},
-    // 8 prefix rows of 8 digits ("90", "91", ...), 5 access rows of 5 digits
-    // ("80", "81", ...) each with a suppress count of 2.
-    {"CDRService", "PREFIX BIN", 'b',
-     "09000c0c0c0c0c0c" "09010c0c0c0c0c0c" "09020c0c0c0c0c0c" "09030c0c0c0c0c0c"
-     "09040c0c0c0c0c0c" "09050c0c0c0c0c0c" "09060c0c0c0c0c0c" "09070c0c0c0c0c0c"},
-    {"CDRService", "ACCESS BIN", 'b', "08000c0c0c02" "08010c0c0c02" "08020c0c0c02" "08030c0c0c02" "08040c0c0c02"},
-    {"CDRPush", "TransferType", 'b', "01"},     {"CDRPush", "NumRetry", 'b', "03"},
-    {"CDRPush", "DeleteFlag", 'b', "00"},       {"CDRPush", "CompressFlag", 'b', "01"},
-    {"CDRPush", "IncludeMetricsFlag", 'b', "01"}, {"CDRPush", "IpAddr", 's', "192.0.2.10"},
-    {"CDRPush", "UserName", 's', "cdr"},        {"CDRPush", "Password", 's', "cdr-secret"},
-    {"CDRPush", "DestFolder", 's', "/cdr/reports"}, {"CDRPush", "TranTime", 's', "02:30"},
-    {"CDRPush", "TranDateOfMonth", 's', "15"},  {"CDRPush", "TranDateOfWeek", 's', "3"},
-    {"CDRPush", "LastTransferTime", 's', "20261121023000.000000+000"},
-};
-
-void seedConfiguredDevice() {
-  for (const SeedEntry& entry : kConfiguredDevice) {
-    ZpoStatus status;
-    if (entry.kind == 'i') {
-      status = ZpoSetRegEntryInt("CDR", entry.section, entry.key, uint32_t(std::strtoul(entry.value, nullptr, 10)));
-    } else if (entry.kind == 's') {
-      status = ZpoSetRegEntryString("CDR", entry.section, entry.key, entry.value);
-    } else {
-      std::vector<unsigned char> bytes;
-      for (const char* hex = entry.value; hex[0] && hex[1]; hex += 2) {
-        bytes.push_back(static_cast<unsigned char>(std::strtoul(std::string(hex, 2).c_str(), nullptr, 16)));
-      }
-      status = ZpoSetRegEntryBinary("CDR", entry.section, entry.key, bytes.data(), uint32_t(bytes.size()));
-    }
-    if (status != ZPO_OK) throw std::runtime_error(std::string("cannot seed ") + entry.section + "/" + entry.key);
-  }
-}
 
 // ---- Registry call counts --------------------------------------------------
 
@@ -235,9 +116,6 @@ void measure(benchmark::State& state, const std::string& name, Operation operati
 }
 
 // ---- The module's benchmarks ---------------------------------------------
-
-const char* const kClasses[] = {"QTX_CDRService",          "QTX_CDRServicePrefixBin", "QTX_CDRServiceAccessBin",
-                                "QTX_CDRPushSetting",      "QTX_CDRPushStatistics",   "QTX_CDRPullStatistics"};
 
 void registerModuleBenchmarks() {
   for (const char* className : kClasses) {

@@ -19,6 +19,7 @@ REQUIRED_PACKAGES=(
   "${SERVE_PACKAGES[@]}"
   sqlite3
   libgtest-dev libgmock-dev libbenchmark-dev
+  valgrind
   curl
   clang libclang-rt-14-dev
 )
