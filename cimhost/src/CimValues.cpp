@@ -128,7 +128,7 @@ std::string dateTimeText(const OW::CIMDateTime& dateTime) {
     return empty ? "00000000000000.000000+000" : dateTime.toString().c_str();
 }
 
-std::string cimTypeName(CIMDataType::Type type) {
+const char* cimTypeName(CIMDataType::Type type) {
     switch (type) {
         case CIMDataType::UINT8: return "uint8";
         case CIMDataType::SINT8: return "sint8";

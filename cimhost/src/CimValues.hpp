@@ -25,7 +25,7 @@ namespace OW = OpenWBEM;
 std::string dateTimeText(const OW::CIMDateTime& dateTime);
 
 // "uint8" ... "datetime", "reference"; "string" for embedded objects.
-std::string cimTypeName(OW::CIMDataType::Type type);
+const char* cimTypeName(OW::CIMDataType::Type type);
 
 // The value of `text` as CIM type `type` ("uint32", "reference" is not
 // accepted here). A text that does not parse as that type is

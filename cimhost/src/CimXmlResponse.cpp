@@ -98,6 +98,11 @@ void writeValue(XmlWriter& xml, const CIMValue& value) {
         xml.end("VALUE.REFERENCE");
         return;
     }
+    if (!value.isArray() && value.getType() != CIMDataType::DATETIME) {
+        OW::String text = value.toString();
+        xml.leaf("VALUE", text.c_str());
+        return;
+    }
     std::vector<std::string> texts = valueTexts(value);
     writeTextValue(xml, value.isArray() ? TextValue::array(texts) : TextValue::scalar(texts.front()));
 }
@@ -139,30 +144,26 @@ void writeInstancePath(XmlWriter& xml, const OW::CIMObjectPath& path, const std:
 
 void writeInstance(XmlWriter& xml, const OW::CIMInstance& instance) {
     xml.start("INSTANCE", {{"CLASSNAME", instance.getClassName().c_str()}});
-    OW::CIMQualifierArray instanceQualifiers = instance.getQualifiers();
-    for (const OW::CIMQualifier& q : instanceQualifiers) writeApiQualifier(xml, q);
-    OW::CIMPropertyArray properties = instance.getProperties();
-    for (const OW::CIMProperty& property : properties) {
-        std::string name = property.getName().c_str();
-        CIMValue value = property.getValue();
-        CIMDataType dataType = property.getDataType();
+    for (const OW::CIMQualifier& q : instance.getQualifiers()) writeApiQualifier(xml, q);
+    for (const OW::CIMProperty& property : instance.getProperties()) {
+        const CIMValue& value = property.getValue();
+        const CIMDataType& dataType = property.getDataType();
         bool typed = static_cast<bool>(dataType);
         CIMDataType::Type type = typed ? dataType.getType() : value ? value.getType() : CIMDataType::STRING;
         bool isArray = typed ? dataType.isArrayType() : value ? value.isArray() : false;
         const char* element = type == CIMDataType::REFERENCE ? "PROPERTY.REFERENCE"
                               : isArray                      ? "PROPERTY.ARRAY"
                                                              : "PROPERTY";
-        XmlAttributeList attributes{{"NAME", name}};
+        xml.open(element).attribute("NAME", property.getName().c_str());
         if (type == CIMDataType::REFERENCE) {
-            attributes.emplace_back("REFERENCECLASS", typed ? dataType.getRefClassName().c_str() : "");
+            xml.attribute("REFERENCECLASS", typed ? dataType.getRefClassName().c_str() : "");
         } else {
-            attributes.emplace_back("TYPE", cimTypeName(type));
+            xml.attribute("TYPE", cimTypeName(type));
         }
-        std::string origin = property.getOriginClass().c_str();
-        if (!origin.empty()) attributes.emplace_back("CLASSORIGIN", origin);
-        xml.start(element, attributes);
-        OW::CIMQualifierArray qualifiers = property.getQualifiers();
-        for (const OW::CIMQualifier& q : qualifiers) writeApiQualifier(xml, q);
+        const OW::String& origin = property.getOriginClass();
+        if (!origin.empty()) xml.attribute("CLASSORIGIN", origin.c_str());
+        xml.close();
+        for (const OW::CIMQualifier& q : property.getQualifiers()) writeApiQualifier(xml, q);
         writeValue(xml, value);
         xml.end(element);
     }

@@ -155,12 +155,15 @@ const OW::CIMClass& OperationDispatcher::apiClass(const ClassDefinition& cls) {
 std::string OperationDispatcher::handle(const CimRequest& request, const std::string& userName) {
     const char* element = request.intrinsic ? "IMETHODRESPONSE" : "METHODRESPONSE";
     XmlWriter content;
+    startResponse(content, request.messageId);
+    content.start(element, {{"NAME", request.methodName}});
+    const size_t resultStart = content.size();
     // A CIM error's description is its long message: the code's text, then
     // the message in parentheses. Other exceptions give CIM_ERR_FAILED with
-    // their own text.
+    // their own text. It replaces what the operation wrote.
     auto fail = [&](int code, const std::string& description, const std::string& logLine) {
         log_.error(logLine);
-        content = XmlWriter();
+        content.truncate(resultStart);
         writeError(content, code, description);
     };
     try {
@@ -195,11 +198,9 @@ std::string OperationDispatcher::handle(const CimRequest& request, const std::st
     } catch (...) {
         fail(CIMException::FAILED, "Unknown Exception", "unknown exception during " + request.methodName);
     }
-    XmlWriter xml;
-    startResponse(xml, request.messageId);
-    xml.start(element, {{"NAME", request.methodName}}).raw(content.str()).end(element);
-    endResponse(xml);
-    return xml.str();
+    content.end(element);
+    endResponse(content);
+    return content.take();
 }
 
 namespace {

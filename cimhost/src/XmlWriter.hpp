@@ -5,17 +5,22 @@
 
 #include <initializer_list>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
 namespace cimhost {
 
-using XmlAttributes = std::initializer_list<std::pair<const char*, std::string>>;
+// Attributes of one call; the texts must outlive it.
+using XmlAttributes = std::initializer_list<std::pair<const char*, std::string_view>>;
 // Attributes collected at run time.
 using XmlAttributeList = std::vector<std::pair<const char*, std::string>>;
 
 class XmlWriter {
 public:
+    // Room for a typical answer, so that writing it seldom reallocates.
+    XmlWriter() { out_.reserve(8192); }
+
     XmlWriter& start(const char* name, XmlAttributes attributes = {}) {
         out_ += '<';
         out_ += name;
@@ -44,37 +49,69 @@ public:
         out_ += "/>";
         return *this;
     }
-    XmlWriter& text(const std::string& content) {
-        out_ += escape(content, false);
+    XmlWriter& text(std::string_view content) {
+        appendEscaped(out_, content, false);
         return *this;
     }
     // <name attrs>content</name>
-    XmlWriter& leaf(const char* name, const std::string& content, XmlAttributes attributes = {}) {
+    XmlWriter& leaf(const char* name, std::string_view content, XmlAttributes attributes = {}) {
         return start(name, attributes).text(content).end(name);
+    }
+    // A start tag written piece by piece: open, any attributes, close.
+    XmlWriter& open(const char* name) {
+        out_ += '<';
+        out_ += name;
+        return *this;
+    }
+    XmlWriter& attribute(const char* name, std::string_view value) {
+        out_ += ' ';
+        out_ += name;
+        out_ += "=\"";
+        appendEscaped(out_, value, true);
+        out_ += '"';
+        return *this;
+    }
+    XmlWriter& close() {
+        out_ += '>';
+        return *this;
     }
     XmlWriter& raw(const std::string& markup) {
         out_ += markup;
         return *this;
     }
     const std::string& str() const { return out_; }
+    std::string take() { return std::move(out_); }
+    // What is written so far, and dropping what came after it.
+    size_t size() const { return out_.size(); }
+    void truncate(size_t size) { out_.resize(size); }
 
     // Escapes &, <, > and carriage returns always, and ", line feeds and tabs
     // inside attributes, as owcimomd does where a parser would change them.
-    static std::string escape(const std::string& content, bool attribute) {
+    static void appendEscaped(std::string& out, std::string_view content, bool attribute) {
+        size_t done = 0;
+        for (size_t at = 0; at < content.size(); ++at) {
+            const char* replacement = nullptr;
+            switch (content[at]) {
+                case '&': replacement = "&amp;"; break;
+                case '<': replacement = "&lt;"; break;
+                case '>': replacement = "&gt;"; break;
+                case '\r': replacement = "&#13;"; break;
+                case '"': replacement = attribute ? "&quot;" : nullptr; break;
+                case '\n': replacement = attribute ? "&#10;" : nullptr; break;
+                case '\t': replacement = attribute ? "&#9;" : nullptr; break;
+                default: continue;
+            }
+            if (!replacement) continue;
+            out.append(content.data() + done, at - done);
+            out += replacement;
+            done = at + 1;
+        }
+        out.append(content.data() + done, content.size() - done);
+    }
+    static std::string escape(std::string_view content, bool attribute) {
         std::string escaped;
         escaped.reserve(content.size());
-        for (char c : content) {
-            switch (c) {
-                case '&': escaped += "&amp;"; break;
-                case '<': escaped += "&lt;"; break;
-                case '>': escaped += "&gt;"; break;
-                case '"': escaped += attribute ? "&quot;" : "\""; break;
-                case '\n': escaped += attribute ? "&#10;" : "\n"; break;
-                case '\r': escaped += "&#13;"; break;
-                case '\t': escaped += attribute ? "&#9;" : "\t"; break;
-                default: escaped += c; break;
-            }
-        }
+        appendEscaped(escaped, content, attribute);
         return escaped;
     }
 
@@ -85,7 +122,7 @@ private:
             out_ += ' ';
             out_ += name;
             out_ += "=\"";
-            out_ += escape(value, true);
+            appendEscaped(out_, value, true);
             out_ += '"';
         }
     }
