@@ -359,7 +359,12 @@ bool String::endsWith(char arg) const
 
 bool String::equals(const String& arg) const { return compareTo(arg) == 0; }
 bool String::equals(const char* arg) const { return compareTo(arg) == 0; }
-bool String::equalsIgnoreCase(const String& arg) const { return compareToIgnoreCase(arg) == 0; }
+// Case is folded for ASCII letters only, so texts of different lengths
+// never match.
+bool String::equalsIgnoreCase(const String& arg) const
+{
+	return length() == arg.length() && compareToIgnoreCase(arg) == 0;
+}
 bool String::equalsIgnoreCase(const char* arg) const { return compareToIgnoreCase(arg) == 0; }
 
 UInt32 String::hashCode() const
