@@ -46,9 +46,9 @@ void syncInstanceWithClass(OW::CIMInstance& instance, const OW::CIMClass& cls) {
     instance.setProperties(fitToClass(instance.getProperties(), cls.getAllProperties(), cls));
 }
 
-void syncPathWithClass(OW::CIMObjectPath& path, const OW::CIMClass& cls) {
+void syncPathWithClass(OW::CIMObjectPath& path, const OW::CIMClass& cls, const OW::CIMPropertyArray& keys) {
     if (!cls || path.getKeys().empty()) return;
-    path.setKeys(fitToClass(path.getKeys(), cls.getKeys(), cls));
+    path.setKeys(fitToClass(path.getKeys(), keys, cls));
 }
 
 }  // namespace cimhost

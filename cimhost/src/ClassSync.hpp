@@ -25,6 +25,7 @@ void syncInstanceWithClass(OW::CIMInstance& instance, const OW::CIMClass& cls);
 // The same for the keys of an instance path: unknown keys dropped, the
 // class's key properties (with the given values, converted) in their place,
 // missing ones appended. A class path stays as it is.
-void syncPathWithClass(OW::CIMObjectPath& path, const OW::CIMClass& cls);
+// `keys` are the class's key properties (cls.getKeys()).
+void syncPathWithClass(OW::CIMObjectPath& path, const OW::CIMClass& cls, const OW::CIMPropertyArray& keys);
 
 }  // namespace cimhost

@@ -144,12 +144,20 @@ OW::CppInstanceProviderIFC& OperationDispatcher::instanceProviderFor(const Class
     throwCim(CIMException::FAILED, "no instance provider serves class " + cls.name);
 }
 
-const OW::CIMClass& OperationDispatcher::apiClass(const ClassDefinition& cls) {
-    std::string key = lowerCase(cls.name);
+const OperationDispatcher::ApiClass& OperationDispatcher::apiClassEntry(const ClassDefinition& cls) {
     std::lock_guard<std::mutex> lock(apiClassesMutex_);
-    auto it = apiClasses_.find(key);
-    if (it == apiClasses_.end()) it = apiClasses_.emplace(key, cimClassFromDefinition(cls)).first;
+    auto it = apiClasses_.find(&cls);
+    if (it == apiClasses_.end()) {
+        OW::CIMClass made = cimClassFromDefinition(cls);
+        OW::CIMPropertyArray keys = made.getKeys();
+        it = apiClasses_.emplace(&cls, ApiClass{made, keys}).first;
+    }
     return it->second;
+}
+
+void OperationDispatcher::syncPath(OW::CIMObjectPath& path, const ClassDefinition& cls) {
+    const ApiClass& entry = apiClassEntry(cls);
+    syncPathWithClass(path, entry.cls, entry.keys);
 }
 
 std::string OperationDispatcher::handle(const CimRequest& request, const std::string& userName) {
@@ -488,7 +496,7 @@ OW::CIMInstance OperationDispatcher::providerGetInstance(Context& context, const
                                                          bool includeQualifiers, bool includeClassOrigin,
                                                          const OW::StringArray* propertyList) {
     const OW::CIMClass& apiCls = apiClass(cls);
-    syncPathWithClass(path, apiCls);
+    syncPath(path, cls);
     OW::CIMInstance instance = instanceProviderFor(cls, context).getInstance(
         context.env, context.ns(), path, localOnlyFlag(localOnly), qualifiersFlag(includeQualifiers),
         classOriginFlag(includeClassOrigin), propertyList, apiCls);
@@ -572,7 +580,7 @@ void OperationDispatcher::deleteInstance(const CimRequest& request, Context& con
     OW::CIMObjectPath path = objectPathFromText(*name, context.nameSpace, &cls);
     // The object must exist before it can go.
     providerGetInstance(context, cls, path, false, true, true, nullptr);
-    syncPathWithClass(path, apiClass(cls));
+    syncPath(path, cls);
     instanceProviderFor(cls, context).deleteInstance(context.env, context.ns(), path);
 }
 
@@ -675,7 +683,7 @@ void OperationDispatcher::runExtrinsic(const CimRequest& request, Context& conte
                                  ? OW::CIMObjectPath(OW::CIMName(String(request.target.className.c_str())),
                                                      context.ns())
                                  : objectPathFromText(request.target, context.nameSpace, &cls);
-    syncPathWithClass(path, apiCls);
+    syncPath(path, cls);
     // A method on an instance needs the instance: any CIM error of the
     // provider's getInstance means it is not there.
     if (!path.getKeys().empty()) {

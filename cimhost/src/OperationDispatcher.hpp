@@ -84,7 +84,15 @@ private:
     LoadedProvider& providerFor(Context& context) const;
     OpenWBEM::CppInstanceProviderIFC& instanceProviderFor(const ClassDefinition& cls, Context& context) const;
     bool isBound(const std::vector<Qualifier>& qualifiers) const;
-    const OpenWBEM::CIMClass& apiClass(const ClassDefinition& cls);
+    // The class as the provider API holds it, and its key properties; made
+    // once per class.
+    struct ApiClass {
+        OpenWBEM::CIMClass cls;
+        OpenWBEM::CIMPropertyArray keys;
+    };
+    const ApiClass& apiClassEntry(const ClassDefinition& cls);
+    const OpenWBEM::CIMClass& apiClass(const ClassDefinition& cls) { return apiClassEntry(cls).cls; }
+    void syncPath(OpenWBEM::CIMObjectPath& path, const ClassDefinition& cls);
     // The provider's instance at `path` (its keys fitted to the class first);
     // a NULL answer is CIM_ERR_FAILED.
     OpenWBEM::CIMInstance providerGetInstance(Context& context, const ClassDefinition& cls,
@@ -102,7 +110,7 @@ private:
     bool series32_ = false;
     std::string hostName_;
     std::mutex apiClassesMutex_;
-    std::map<std::string, OpenWBEM::CIMClass> apiClasses_;  // by lower-case name; entries are never removed
+    std::map<const ClassDefinition*, ApiClass> apiClasses_;  // entries are never removed
 };
 
 }  // namespace cimhost
