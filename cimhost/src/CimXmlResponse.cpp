@@ -15,7 +15,7 @@ namespace {
 using OW::CIMDataType;
 using OW::CIMValue;
 
-std::string keyValueType(CIMDataType::Type type) {
+const char* keyValueType(CIMDataType::Type type) {
     if (type == CIMDataType::BOOLEAN) return "boolean";
     if (type == CIMDataType::CHAR16 || type == CIMDataType::DATETIME || type == CIMDataType::STRING) return "string";
     return "numeric";
@@ -109,15 +109,16 @@ void writeValue(XmlWriter& xml, const CIMValue& value) {
 
 void writeInstanceName(XmlWriter& xml, const OW::CIMObjectPath& path) {
     xml.start("INSTANCENAME", {{"CLASSNAME", path.getClassName().c_str()}});
-    OW::CIMPropertyArray keys = path.getKeys();
-    for (const OW::CIMProperty& key : keys) {
-        CIMValue value = key.getValue();
+    for (const OW::CIMProperty& key : path.getKeys()) {
+        const CIMValue& value = key.getValue();
         if (!value) throw OW::CIMException(__FILE__, __LINE__, OW::CIMException::FAILED, "No key value");
         xml.start("KEYBINDING", {{"NAME", key.getName().c_str()}});
         if (value.getType() == CIMDataType::REFERENCE) {
             writeValue(xml, value);
-        } else {
+        } else if (value.getType() == CIMDataType::DATETIME || value.isArray()) {
             xml.leaf("KEYVALUE", valueTexts(value).front(), {{"VALUETYPE", keyValueType(value.getType())}});
+        } else {
+            xml.leaf("KEYVALUE", value.toString().c_str(), {{"VALUETYPE", keyValueType(value.getType())}});
         }
         xml.end("KEYBINDING");
     }

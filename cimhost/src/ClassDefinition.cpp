@@ -12,7 +12,7 @@ std::string lowerCase(std::string text) {
     return text;
 }
 
-bool namesEqual(const std::string& a, const std::string& b) {
+bool namesEqual(std::string_view a, std::string_view b) {
     return a.size() == b.size() &&
            std::equal(a.begin(), a.end(), b.begin(), [](unsigned char x, unsigned char y) {
                return std::tolower(x) == std::tolower(y);

@@ -6,6 +6,7 @@
 #include <map>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace cimhost {
@@ -44,7 +45,7 @@ struct Qualifier {
 };
 
 // Case-insensitive comparison, as CIM names are compared.
-bool namesEqual(const std::string& a, const std::string& b);
+bool namesEqual(std::string_view a, std::string_view b);
 std::string lowerCase(std::string text);
 
 const Qualifier* findQualifier(const std::vector<Qualifier>& qualifiers, const std::string& name);
