@@ -2,8 +2,9 @@
 # cimhost and to that install's owcimomd, each hosting the module built from
 # the same source on its own device state seeded as a configured device,
 # both asking for simple authentication (owuser/owpass). Writes
-# $WORK/side.md. Server CPU is the whole process's utime + stime from
-# /proc/PID/stat (exited threads included) over the row.
+# $WORK/side.md, using bench/run's request_body, key and field. Server CPU
+# is the whole process's utime + stime from /proc/PID/stat (exited threads
+# included) over the row.
 source "$ROOT/scripts/cross.sh"
 source "$ROOT/scripts/openwbem-module.sh"
 
@@ -59,7 +60,6 @@ side_wrk() {
   echo "$line cpu_us=$(awk -v t=$((after - before)) -v n="$count" 'BEGIN { printf "%.0f", n ? t / n : 0 }')"
 }
 
-key() { printf '<KEYBINDING NAME="%s"><KEYVALUE VALUETYPE="string">%s</KEYVALUE></KEYBINDING>' "$1" "$2"; }
 SERVICE_NAME="<INSTANCENAME CLASSNAME=\"QTX_CDRService\">$(key SystemCreationClassName QTX_System)$(key SystemName QTX)$(key CreationClassName QTX_CDRService)$(key Name CDRService)</INSTANCENAME>"
 request_body EnumerateInstanceNames "<IPARAMVALUE NAME=\"ClassName\"><CLASSNAME NAME=\"QTX_CDRServicePrefixBin\"/></IPARAMVALUE>
 " >"$WORK/ein-prefix.xml"

@@ -163,9 +163,8 @@ struct Builder {
         // CreateInstance or ModifyInstance carrying either can kill owcimomd
         // 3.0.2, and the rest of the run would compare against a new process.
         if (random.chance(8)) {
-            const std::string& text = random.pick(oddText);
             *variant = "odd-text";
-            return text;
+            return random.pick(oddText);
         }
         if (type == "string") return random.pick(strings);
         if (type == "boolean") return random.pick(booleans);

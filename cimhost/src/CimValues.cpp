@@ -74,7 +74,7 @@ CIMValue arrayFromTexts(const std::string& type, const std::vector<std::string>&
 // otherwise: owcimomd reads these without conversion errors.
 CIMValue booleanArrayFromTexts(const std::vector<std::string>& texts) {
     OW::Array<OW::Bool> items;
-    for (const std::string& text : texts) items.push_back(OW::Bool(String(text.c_str()).equalsIgnoreCase("TRUE")));
+    for (const std::string& text : texts) items.push_back(OW::Bool(namesEqual(text, "true")));
     return CIMValue(items);
 }
 

@@ -27,15 +27,17 @@ std::string dateTimeText(const OW::CIMDateTime& dateTime);
 // "uint8" ... "datetime", "reference"; "string" for embedded objects.
 const char* cimTypeName(OW::CIMDataType::Type type);
 
-// The value of `text` as CIM type `type` ("uint32", "reference" is not
-// accepted here). A text that does not parse as that type is
-// CIMException INVALID_PARAMETER, except "NULL" and the empty text, which
-// give NULL; so is an unknown type name.
 // The OpenWBEM series whose reading of request values to follow where 3.0
 // and 3.2 differ; one per process, 3.0 (the device's) unless set.
 enum class Series { OpenWbem30, OpenWbem32 };
 void readValuesAs(Series series);
 
+// The value of `text` as CIM type `type` ("uint32", "reference" is not
+// accepted here), read as owcimomd's XML factory reads it. A text that does
+// not parse as that type is CIMException INVALID_PARAMETER (a date-time
+// FAILED), except "NULL", which gives NULL; the empty text is a number's 0
+// and NULL where the conversion refuses it. An unknown type name is
+// INVALID_PARAMETER too.
 OW::CIMValue valueFromText(const std::string& type, const TextValue& text);
 
 // CIMValueCast::castValueToDataType as the object manager's own copy of
