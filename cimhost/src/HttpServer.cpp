@@ -3,6 +3,7 @@
 #include <arpa/inet.h>
 #include <malloc.h>
 
+#include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <optional>
@@ -113,8 +114,16 @@ bool isLoopbackAddress(const std::string& host) {
 class HttpServer::Impl {
 public:
     Impl(RequestHandler& handler, const Authenticator* authenticator, HostLog& log, ServerLimits limits)
-        : handler(handler), authenticator(authenticator), log(log), limits(limits), acceptor(io), acceptPause(io),
-          workers(static_cast<size_t>(limits.workerThreads)) {}
+        : handler(handler), authenticator(authenticator), log(log), limits(limits), loops(makeLoops(limits.threads)),
+          acceptor(*loops.front()), acceptPause(*loops.front()) {}
+
+    static std::vector<std::unique_ptr<net::io_context>> makeLoops(int count) {
+        std::vector<std::unique_ptr<net::io_context>> made;
+        for (int i = 0; i < std::max(count, 1); ++i) made.push_back(std::make_unique<net::io_context>(1));
+        return made;
+    }
+    // The loop the next accepted connection lives on, in turn.
+    net::io_context& nextLoop() { return *loops[acceptedCount++ % loops.size()]; }
 
     void accept();
     void startSession(tcp::socket socket);
@@ -126,11 +135,12 @@ public:
     const Authenticator* authenticator;
     HostLog& log;
     const ServerLimits limits;
-    net::io_context io;
+    // Each run by one thread; the acceptor lives on the first.
+    std::vector<std::unique_ptr<net::io_context>> loops;
+    size_t acceptedCount = 0;  // touched by the first loop only
     tcp::acceptor acceptor;
     net::steady_timer acceptPause;
     std::optional<ssl::context> tls;
-    net::thread_pool workers;
     std::atomic<int> connections{0};
     std::atomic<int> refusing{0};
     std::atomic<long> refusedSinceLog{0};
@@ -140,9 +150,9 @@ public:
 
 namespace {
 
-// One client connection. Between requests it waits without a thread; a
-// request is read under one deadline, answered on the worker pool, and its
-// answer written under another.
+// One client connection, on one event loop. Between requests it waits
+// without a thread; a request is read under one deadline, answered on the
+// loop's thread, and its answer written under another.
 template <class Stream>
 class Session : public std::enable_shared_from_this<Session<Stream>> {
 public:
@@ -256,26 +266,23 @@ private:
         close();
     }
 
-    // The request is answered on the worker pool; the connection reads
-    // nothing more until the answer is written.
+    // The request is answered here, on the connection's loop: handing it to
+    // another thread and the answer back costs more than most answers. The
+    // connection reads nothing more until the answer is written.
     void dispatch() {
-        auto request = std::make_shared<Request>(parser_->release());
-        parser_.reset();
-        net::post(server_.workers, [self = this->shared_from_this(), request]() mutable {
-            Answer answer;
+        Answer answer;
+        {
+            Request request = parser_->release();
+            parser_.reset();
             try {
-                answer = self->server_.answer(*request, self->remote_, self->credentials_);
+                answer = server_.answer(request, remote_, credentials_);
             } catch (const std::exception& e) {
-                self->server_.log.error("request from " + self->remote_ + " failed: " + e.what());
+                server_.log.error("request from " + remote_ + " failed: " + e.what());
                 answer = refusal(http::status::internal_server_error);
             }
-            bool large = request->body().size() >= kTrimBytes || answer.body.size() >= kTrimBytes;
-            request.reset();
-            net::post(self->stream_.get_executor(), [self, answer = std::move(answer), large]() mutable {
-                self->trimAfterReply_ = large;
-                self->reply(std::move(answer));
-            });
-        });
+            trimAfterReply_ = request.body().size() >= kTrimBytes || answer.body.size() >= kTrimBytes;
+        }
+        reply(std::move(answer));
     }
 
     void reply(Answer answer) {
@@ -312,7 +319,7 @@ private:
 
     void afterReply() {
         if (buffer_.capacity() > kReadChunk * 4 && buffer_.size() == 0) buffer_.shrink_to_fit();
-        if (trimAfterReply_) net::post(server_.workers, [] { malloc_trim(0); });
+        if (trimAfterReply_) malloc_trim(0);
         trimAfterReply_ = false;
     }
 
@@ -360,7 +367,7 @@ private:
 }  // namespace
 
 void HttpServer::Impl::accept() {
-    acceptor.async_accept(net::make_strand(io), [this](error_code ec, tcp::socket socket) {
+    acceptor.async_accept(nextLoop().get_executor(), [this](error_code ec, tcp::socket socket) {
         if (ec == net::error::operation_aborted) return;
         if (!ec) {
             startSession(std::move(socket));
@@ -517,16 +524,21 @@ const std::string& HttpServer::bindError() const { return impl_->bindError; }
 bool HttpServer::serve() {
     if (!impl_->acceptor.is_open()) return false;
     impl_->accept();
+    // The loops wait for connections even while they have none.
+    std::vector<net::executor_work_guard<net::io_context::executor_type>> waiting;
+    for (auto& loop : impl_->loops) waiting.push_back(net::make_work_guard(*loop));
     std::vector<std::thread> more;
-    for (int i = 1; i < impl_->limits.ioThreads; ++i) more.emplace_back([this] { impl_->io.run(); });
-    impl_->io.run();
-    for (std::thread& thread : more) thread.join();
+    for (size_t i = 1; i < impl_->loops.size(); ++i) {
+        more.emplace_back([this, i] { impl_->loops[i]->run(); });
+    }
+    impl_->loops.front()->run();
     // No provider call runs once serving has ended.
-    impl_->workers.stop();
-    impl_->workers.join();
+    for (std::thread& thread : more) thread.join();
     return true;
 }
 
-void HttpServer::stop() { impl_->io.stop(); }
+void HttpServer::stop() {
+    for (auto& loop : impl_->loops) loop->stop();
+}
 
 }  // namespace cimhost

@@ -6,9 +6,10 @@
 // a client is answered 503), the time to send one request (headers and body
 // together), header size and count, body size (chunked bodies too), the
 // elements of the XML body, and the time to take a response. Connections
-// waiting between requests hold no thread; requests are answered by a fixed
-// pool of worker threads, each connection with at most one request at a
-// time, so the queue is bounded by the connection limit.
+// waiting between requests hold no thread. A fixed number of threads each
+// run an event loop of their own; a connection stays on the loop that
+// accepted it and its requests are answered there, one at a time, without
+// passing between threads.
 #pragma once
 
 #include <cstddef>
@@ -27,7 +28,7 @@ public:
     virtual ~RequestHandler() = default;
     // Answers one parsed request with a complete CIM-XML response body.
     // Throws only InvalidRequest, for parameters of the wrong form. Called
-    // from several worker threads at once.
+    // from several threads at once.
     virtual std::string handle(const CimRequest& request, const std::string& userName) = 0;
 };
 
@@ -40,8 +41,7 @@ struct ServerLimits {
     int requestTimeoutSeconds = 10;  // from the first byte of a request to its last
     int writeTimeoutSeconds = 10;
     int keepAliveTimeoutSeconds = 5;
-    int ioThreads = 2;
-    int workerThreads = 4;
+    int threads = 4;  // event loops, each answering the requests of its connections
 };
 
 class HttpServer {

@@ -3,7 +3,7 @@
 // MOF, instance and method operations go to the provider with the arguments
 // and checks of owcimomd, association operations find no association class
 // and answer empty. Requests reach the provider concurrently from the server's
-// worker threads, as in OpenWBEM; a module serialises itself where it needs to.
+// threads, as in OpenWBEM; a module serialises itself where it needs to.
 #pragma once
 
 #include <map>
