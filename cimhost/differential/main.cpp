@@ -166,7 +166,7 @@ int main(int argc, char** argv) {
         if (command == "compare") return compare(options);
         if (command == "replay") return replay(options);
         std::cerr << "usage: cimdiff generate|compare|replay ... (see the comment at the top of main.cpp "
-                     "or the README's Differential run)\n";
+                     "or docs/openwbem.md, Differential run)\n";
         return 2;
     } catch (const std::exception& error) {
         std::cerr << "cimdiff: " << error.what() << "\n";

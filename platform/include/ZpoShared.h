@@ -3,7 +3,7 @@
  * log, task scheduler and backup/restore notification.
  *
  * Every function returns an unsigned 32-bit status; 0 is success. All state
- * lives under the state directory named by ZPO_ROOT (see README).
+ * lives under the state directory named by ZPO_ROOT (see platform/README.md).
  */
 #ifndef ZPO_SHARED_H
 #define ZPO_SHARED_H
