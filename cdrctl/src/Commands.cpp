@@ -528,7 +528,8 @@ int run(int argc, char** argv) {
                  "HTTPS: do not verify the server's certificate");
     app.add_option("--cacert", options.connection.caFile, "HTTPS: trust the certificates in this PEM file")
         ->check(CLI::ExistingFile);
-    app.add_option("--timeout", options.connection.timeoutSeconds, "seconds to wait for an answer")
+    app.add_option("--timeout", options.connection.timeoutSeconds,
+                   "seconds to wait for an answer (and at most 10 to connect)")
         ->capture_default_str();
     app.add_flag("--json", options.json, "print results and errors as JSON on standard output");
     app.add_flag("--show-secrets", options.showSecrets, "show the push password instead of ********");
