@@ -115,10 +115,8 @@ public:
     void modifyInstance(const InstanceName& name, const std::vector<CimProperty>& properties);
     CimValue invokeMethod(const InstanceName& name, const std::string& method);
 
-    // The request bodies, exposed for tests of their form.
-    std::string modifyInstanceBody(const InstanceName& name, const std::vector<CimProperty>& properties) const;
-
 private:
+    std::string modifyInstanceBody(const InstanceName& name, const std::vector<CimProperty>& properties) const;
     std::string post(const std::string& cimMethod, const std::string& cimObject, const std::string& body);
     // At most 10 s to connect, less when the answer is awaited for less.
     int connectTimeoutSeconds() const;

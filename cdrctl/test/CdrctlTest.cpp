@@ -141,7 +141,9 @@ TEST_F(Cdrctl, ShowsEveryObjectAndMarksWhatDoesNotApply) {
 }
 
 // The first data loss: a full-instance modify while no push is scheduled
-// wrote the empty values of the settings that did not apply.
+// wrote the empty values of the settings that did not apply. cdrctl's
+// request names the keys and exactly the property it sets, so the object
+// manager neither adds the other properties nor loses the instance.
 TEST_F(Cdrctl, FlagChangeWhilePushIsOffKeepsTheServerSettings) {
     std::string before = registry();
     CommandResult set = cdrctl("set push CompressFlag=true");

@@ -168,20 +168,5 @@ TEST(TransportFailures, AnswersThatAreNotCimXmlAreNamed) {
     serving.join();
 }
 
-// The object manager adds every class property it is not told to leave out,
-// and rebuilds the keys from the instance: the request names both.
-TEST(CimRequests, ModifyCarriesTheKeysAndListsExactlyWhatItSets) {
-    CimClient client(Connection{});
-    InstanceName name{"QTX_CDRPushSetting", {{"InstanceID", "string", "CDRPushSetting"}}};
-    std::string body = client.modifyInstanceBody(name, {{"TransferTime", "string", CimValue::scalar("10:30"), {}}});
-    EXPECT_PRED2(contains, body,
-                 "<INSTANCE CLASSNAME=\"QTX_CDRPushSetting\"><PROPERTY NAME=\"InstanceID\" TYPE=\"string\"><VALUE>"
-                 "CDRPushSetting</VALUE></PROPERTY><PROPERTY NAME=\"TransferTime\" TYPE=\"string\"><VALUE>10:30"
-                 "</VALUE></PROPERTY></INSTANCE>");
-    EXPECT_PRED2(contains, body,
-                 "<IPARAMVALUE NAME=\"PropertyList\"><VALUE.ARRAY><VALUE>InstanceID</VALUE><VALUE>TransferTime"
-                 "</VALUE></VALUE.ARRAY></IPARAMVALUE>");
-}
-
 }  // namespace
 }  // namespace cdrctl::test
