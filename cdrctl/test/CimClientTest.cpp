@@ -164,6 +164,10 @@ TEST(TransportFailures, AnswersThatAreNotCimXmlAreNamed) {
         current = i;
         EXPECT_PRED2(contains, failureOf("http://127.0.0.1:" + std::to_string(port)), answers[i].message);
     }
+    // TLS spoken to a plain HTTP server, which hangs up: OpenSSL's reason.
+    EXPECT_EQ(failureOf("https://127.0.0.1:" + std::to_string(port)),
+              "no answer from https://127.0.0.1:" + std::to_string(port) + ": TLS handshake failed: shutdown while in "
+              "init");
     server.stop();
     serving.join();
 }
