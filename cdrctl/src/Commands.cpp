@@ -75,7 +75,9 @@ void addShowAndSet(CLI::App& app, CommandLine& line) {
                       "\"could not be read\".");
 
     line.set = app.add_subcommand("set", "change settings: sends only the named properties");
-    line.set->add_option("object", line.objectName, "one of: " + objectNames(", "))->required()->transform(objectCheck());
+    line.set->add_option("object", line.objectName, "one of: " + objectNames(", "))
+        ->required()
+        ->transform(objectCheck());
     line.set->add_option("assignments", line.assignments, "NAME=VALUE (property names as shown by show)")->required();
     line.set->add_option("--row", line.row, "the row of prefix-bins (0-7) or access-bins (0-4)");
     line.set->footer("Every value is checked first with the device's own rules; if one fails nothing is sent.\n"
@@ -91,7 +93,9 @@ void addShowAndSet(CLI::App& app, CommandLine& line) {
 
 void addMethodCommands(CLI::App& app, CommandLine& line) {
     line.call = app.add_subcommand("call", "invoke a method, e.g. call push PushFileNow");
-    line.call->add_option("object", line.objectName, "one of: " + objectNames(", "))->required()->transform(objectCheck());
+    line.call->add_option("object", line.objectName, "one of: " + objectNames(", "))
+        ->required()
+        ->transform(objectCheck());
     line.call->add_option("method", line.methodName, "PushFileNow (push), Refresh, ClipFile (service)")->required();
     line.call->add_option("--row", line.row, "the row, for objects with rows");
 

@@ -1,7 +1,10 @@
 #include "Session.hpp"
 
+#include <unistd.h>
+
 #include "Commands.hpp"
 #include "Objects.hpp"
+#include "Terminal.hpp"
 
 namespace cdrctl {
 

@@ -2,8 +2,6 @@
 // client with its credentials, and the failure that ends a command.
 #pragma once
 
-#include <unistd.h>
-
 #include <nlohmann/json.hpp>
 
 #include <exception>
@@ -11,7 +9,6 @@
 #include <string>
 
 #include "CimClient.hpp"
-#include "Terminal.hpp"
 
 namespace cdrctl {
 

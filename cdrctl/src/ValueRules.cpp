@@ -91,7 +91,8 @@ std::string checkText(const PropertySpec& property, const std::string& value) {
         }
         if (std::iscntrl(c)) {
             refuse(property,
-                   std::string(property.name) + " holds a control character: the device reads such a text back as empty",
+                   std::string(property.name) +
+                       " holds a control character: the device reads such a text back as empty",
                    IfSent::StoredOtherwise);
         }
     }
@@ -189,7 +190,8 @@ std::string checkTransferType(const PropertySpec& property, const std::string& v
     std::string rule = std::string(property.name) + " must be 0 or daily, 1 or weekly, 2 or monthly, 3 or 4 (no " +
                        "scheduled push)";
     if (value.empty()) refuse(property, rule + ": the object manager would store 0 (daily)", IfSent::StoredOtherwise);
-    if (value.size() > 3 || !allDigits(value) || std::stoul(value) > 255) refuse(property, rule, IfSent::NotConvertible);
+    if (value.size() > 3 || !allDigits(value) || std::stoul(value) > 255)
+        refuse(property, rule, IfSent::NotConvertible);
     refuse(property, rule + ": the device would store " + std::to_string(std::stoul(value)) + " and push daily",
            IfSent::StoredOtherwise);
 }

@@ -118,7 +118,8 @@ TEST(TransportFailures, TlsFailuresGiveTheVerificationError) {
     Connection trusting;
     trusting.url = "https://localhost:" + std::to_string(port);
     trusting.caFile = keys.file("cert.pem");
-    EXPECT_PRED2(contains, failureOf(trusting), "certificate verify failed: the certificate is not issued for localhost");
+    EXPECT_PRED2(contains, failureOf(trusting),
+                 "certificate verify failed: the certificate is not issued for localhost");
     trusting.url = url;
     EXPECT_EQ(failureOf(trusting), "the object manager answered HTTP 500 Internal Server Error");
     Connection insecure;
@@ -141,7 +142,8 @@ TEST(TransportFailures, AnswersThatAreNotCimXmlAreNamed) {
         const char* message;
     };
     const Answer answers[] = {
-        {400, "request-not-valid", "", "the object manager answered HTTP 400 Bad Request (CIMError: request-not-valid)"},
+        {400, "request-not-valid", "",
+         "the object manager answered HTTP 400 Bad Request (CIMError: request-not-valid)"},
         {200, nullptr, "<html></html>", "the answer is not a CIM-XML response (no IMETHODRESPONSE)"},
         {200, nullptr, "<CIM><", "the answer is not well-formed XML"},
     };
