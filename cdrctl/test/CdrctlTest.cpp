@@ -237,6 +237,33 @@ const char* ifSentText(IfSent ifSent) {
     return "?";
 }
 
+// The CIM error the module answers a modify of one property with, if any.
+std::optional<CimError> sendToModule(CimClient& client, const InstanceName& name, const PropertySpec& property,
+                                     const std::string& text) {
+    try {
+        client.modifyInstance(name, {{property.name, property.cimType, CimValue::scalar(text), {}}});
+    } catch (const CimError& error) {
+        return error;
+    }
+    return std::nullopt;
+}
+
+// Whether the module did with a value what cdrctl's verdict on it says.
+bool moduleAgrees(const std::optional<ValueRefused>& refused, const std::optional<CimError>& error) {
+    if (!refused) return !error;
+    switch (refused->ifSent) {
+        case IfSent::NotWritable: return false;
+        case IfSent::ModuleRefuses: return error && contains(error->description(), refused->reason);
+        case IfSent::ModuleRefuses301: {
+            const char* meaning = error && error->code() == 1 ? statusMeaning(error->description()) : nullptr;
+            return meaning && contains(meaning, "status 301");
+        }
+        case IfSent::NotConvertible: return error && contains(error->description(), "nable to convert");
+        case IfSent::StoredOtherwise: return !error;
+    }
+    return false;
+}
+
 // Every value rule of cdrctl, tried on the module: a value cdrctl accepts
 // the module accepts; a value cdrctl refuses the module refuses as cdrctl
 // says it would (with the same message, with status 301, or the object
@@ -253,7 +280,6 @@ TEST_F(Cdrctl, EveryValueRuleAgreesWithTheModule) {
     for (const ObjectSpec& object : objects()) {
         std::vector<InstanceName> names = client.enumerateInstanceNames(object.className);
         ASSERT_FALSE(names.empty()) << object.className;
-        const InstanceName& name = names.front();
         // Days and time before the transfer type that reads them, as cdrctl writes.
         std::vector<const PropertySpec*> properties;
         for (const PropertySpec& property : object.properties) properties.push_back(&property);
@@ -269,51 +295,24 @@ TEST_F(Cdrctl, EveryValueRuleAgreesWithTheModule) {
                 } catch (const ValueRefused& refusal) {
                     refused = refusal;
                 }
-                std::string sent = accepted ? *accepted : value;
-                if (refused && refused->ifSent == IfSent::StoredOtherwise && !backedUp) {
+                const bool takenOtherwise = refused && refused->ifSent == IfSent::StoredOtherwise;
+                if (takenOtherwise && !backedUp) {
                     ASSERT_EQ(zpo("reg backup " + backup).exitCode, 0);
                     backedUp = true;
                 }
-                std::optional<CimError> error;
-                try {
-                    client.modifyInstance(name, {{property->name, property->cimType, CimValue::scalar(sent), {}}});
-                } catch (const CimError& cimError) {
-                    error = cimError;
-                }
+                std::optional<CimError> error =
+                    sendToModule(client, names.front(), *property, accepted.value_or(value));
                 ++tried;
-                std::string what = std::string(object.name) + " " + property->name + "=\"" + value + "\": cdrctl " +
-                                   (accepted ? "accepts" : "refuses (" + std::string(ifSentText(refused->ifSent)) +
-                                                               ": " + refused->reason + ")") +
-                                   ", the module " +
-                                   (error ? "answers CIM error " + std::to_string(error->code()) + " " +
-                                                error->description()
-                                          : std::string("accepts"));
-                if (accepted) {
-                    EXPECT_FALSE(error) << what;
-                    continue;
-                }
-                switch (refused->ifSent) {
-                    case IfSent::NotWritable: ADD_FAILURE() << what; break;
-                    case IfSent::ModuleRefuses:
-                        EXPECT_TRUE(error && error->description().find(refused->reason) != std::string::npos)
-                            << what;
-                        break;
-                    case IfSent::ModuleRefuses301:
-                        EXPECT_TRUE(error && error->code() == 1 && statusMeaning(error->description()) &&
-                                    contains(statusMeaning(error->description()), "status 301"))
-                            << what;
-                        break;
-                    case IfSent::NotConvertible:
-                        EXPECT_TRUE(error && contains(error->description(), "nable to convert"))
-                            << what;
-                        break;
-                    case IfSent::StoredOtherwise:
-                        EXPECT_FALSE(error) << what;
-                        // What the module took goes: a text of 512 characters, for one, leaves
-                        // the push settings unreadable.
-                        ASSERT_EQ(zpo("reg restore " + backup).exitCode, 0);
-                        break;
-                }
+                EXPECT_TRUE(moduleAgrees(refused, error))
+                    << object.name << " " << property->name << "=\"" << value << "\": cdrctl "
+                    << (accepted ? "accepts" : "refuses (" + std::string(ifSentText(refused->ifSent)) + ": " +
+                                                   refused->reason + ")")
+                    << ", the module "
+                    << (error ? "answers CIM error " + std::to_string(error->code()) + " " + error->description()
+                              : std::string("accepts"));
+                // The device goes back to what the accepted values left: a text of 512
+                // characters, for one, leaves the push settings unreadable.
+                if (takenOtherwise) { ASSERT_EQ(zpo("reg restore " + backup).exitCode, 0); }
             }
         }
     }
