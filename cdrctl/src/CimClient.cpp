@@ -227,6 +227,10 @@ CimClient::CimClient(Connection connection) : connection_(std::move(connection))
                                               (parts[3].matched ? ":" + parts[3].str() : ""));
     if (!http_->is_valid()) throw TransportError("the URL \"" + connection_.url + "\" cannot be used");
     http_->set_keep_alive(true);
+    // The request goes out in two writes (headers, then body): without this
+    // the body of a request on a kept-alive connection waits for the delayed
+    // acknowledgement of the headers.
+    http_->set_tcp_nodelay(true);
     http_->set_connection_timeout(connectTimeoutSeconds());
     http_->set_read_timeout(connection_.timeoutSeconds);
     http_->set_write_timeout(connection_.timeoutSeconds);
