@@ -171,8 +171,8 @@ std::string checkDay(const PropertySpec& property, const std::string& value) {
                        " to " + std::to_string(property.max);
     long day = leadingNumber(value);
     bool inRange = day >= static_cast<long>(property.min) && day <= static_cast<long>(property.max);
-    if (!inRange || value.size() > 10) refuse(property, rule + "; the device refuses anything else (status 301)",
-                                              IfSent::ModuleRefuses301);
+    if (!inRange || value.size() > 10)
+        refuse(property, rule + "; the device refuses anything else (status 301)", IfSent::ModuleRefuses301);
     if (value.empty() || !allDigits(value)) {
         refuse(property, rule + ": the device would read \"" + value + "\" as " + std::to_string(day),
                IfSent::StoredOtherwise);
