@@ -3,11 +3,14 @@
 #include <httplib.h>
 #include <pugixml.hpp>
 
+#include <algorithm>
 #include <cctype>
+#include <chrono>
 #include <cstdlib>
 #include <functional>
 #include <regex>
 
+#include "TransportFailure.hpp"
 #include "XmlWriter.hpp"
 
 namespace cdrctl {
@@ -208,17 +211,27 @@ const char* CimError::codeName(int code) {
 }
 
 CimClient::CimClient(Connection connection) : connection_(std::move(connection)) {
-    static const std::regex form(R"(^(https?)://([^/]+)(/.*)?$)", std::regex::icase);
+    static const std::regex form(R"(^(https?)://(\[[^\]/]+\]|[^:/]+)(?::([0-9]{1,5}))?(/.*)?$)", std::regex::icase);
     std::smatch parts;
     std::string url = connection_.url;
     if (url.find("://") == std::string::npos) url = "http://" + url;
     if (!std::regex_match(url, parts, form))
         throw TransportError("the URL \"" + connection_.url + "\" is not of the form http[s]://HOST[:PORT][/PATH]");
-    path_ = parts[3].matched && parts[3].str() != "/" ? parts[3].str() : "/cimom";
-    http_ = std::make_unique<httplib::Client>(parts[1].str() + "://" + parts[2].str());
+    std::string scheme = parts[1].str();
+    std::transform(scheme.begin(), scheme.end(), scheme.begin(), ::tolower);
+    host_ = parts[2].str();
+    if (host_.front() == '[') host_ = host_.substr(1, host_.size() - 2);
+    port_ = parts[3].matched ? std::stoi(parts[3].str()) : scheme == "https" ? 443 : 80;
+    path_ = parts[4].matched && parts[4].str() != "/" ? parts[4].str() : "/cimom";
+    http_ = std::make_unique<httplib::Client>(parts[1].str() + "://" + parts[2].str() +
+                                              (parts[3].matched ? ":" + parts[3].str() : ""));
     if (!http_->is_valid()) throw TransportError("the URL \"" + connection_.url + "\" cannot be used");
     http_->set_keep_alive(true);
-    http_->set_connection_timeout(10);
+    // The request goes out in two writes (headers, then body): without this
+    // the body of a request on a kept-alive connection waits for the delayed
+    // acknowledgement of the headers.
+    http_->set_tcp_nodelay(true);
+    http_->set_connection_timeout(connectTimeoutSeconds());
     http_->set_read_timeout(connection_.timeoutSeconds);
     http_->set_write_timeout(connection_.timeoutSeconds);
     http_->enable_server_certificate_verification(connection_.verifyCertificate);
@@ -241,13 +254,11 @@ std::string CimClient::post(const std::string& cimMethod, const std::string& cim
                              {"CIMMethod", cimMethod},
                              {"CIMObject", cimObject},
                              {"CIMProtocolVersion", "1.0"}};
+    auto sent = std::chrono::steady_clock::now();
     httplib::Result result = http_->Post(path_, headers, body, "application/xml; charset=\"utf-8\"");
     if (!result) {
-        std::string reason = httplib::to_string(result.error());
-        if (result.error() == httplib::Error::SSLServerVerification)
-            reason += " (the server's certificate is not trusted or not issued for this host name: give "
-                      "--cacert FILE, or --insecure)";
-        throw TransportError("no answer from " + connection_.url + ": " + reason);
+        throw TransportError("no answer from " + connection_.url + ": " +
+                             failureReason(result.error(), std::chrono::steady_clock::now() - sent));
     }
     if (result->status == 401) {
         throw AuthenticationError(connection_.user.empty()
@@ -260,6 +271,37 @@ std::string CimClient::post(const std::string& cimMethod, const std::string& cim
         throw TransportError("the object manager answered " + text);
     }
     return result->body;
+}
+
+int CimClient::connectTimeoutSeconds() const { return std::max(1, std::min(10, connection_.timeoutSeconds)); }
+
+std::string CimClient::failureReason(httplib::Error error, std::chrono::steady_clock::duration waited) const {
+    switch (error) {
+        case httplib::Error::Connection:
+            return connectFailure(host_, port_, connectTimeoutSeconds());
+        case httplib::Error::ConnectionTimeout:
+            return "timed out after " + std::to_string(connectTimeoutSeconds()) + " s";
+        default:
+            break;
+    }
+    // Reading, writing and the TLS handshake wait at most timeoutSeconds.
+    if (waited >= std::chrono::seconds(connection_.timeoutSeconds))
+        return "timed out after " + std::to_string(connection_.timeoutSeconds) + " s";
+    switch (error) {
+        case httplib::Error::Read:
+            return "the connection closed before the answer";
+        case httplib::Error::Write:
+            return "the connection closed while the request was sent";
+        case httplib::Error::SSLConnection:
+            return handshakeFailure();
+        case httplib::Error::SSLLoadingCerts:
+            return "cannot load the certificates of " + connection_.caFile;
+        case httplib::Error::SSLServerVerification:
+            return certificateFailure(http_->get_openssl_verify_result(), host_) +
+                   " (give --cacert FILE to trust the server's certificate, or --insecure)";
+        default:
+            return httplib::to_string(error);
+    }
 }
 
 namespace {

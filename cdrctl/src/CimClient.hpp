@@ -2,6 +2,7 @@
 // method calls, over HTTP or HTTPS with Basic credentials.
 #pragma once
 
+#include <chrono>
 #include <memory>
 #include <optional>
 #include <stdexcept>
@@ -10,6 +11,7 @@
 
 namespace httplib {
 class Client;
+enum class Error;
 }
 
 namespace cdrctl {
@@ -92,7 +94,7 @@ struct Connection {
     std::string password;
     bool verifyCertificate = true;
     std::string caFile;
-    int timeoutSeconds = 60;
+    int timeoutSeconds = 60;  // for an answer; for the connection at most 10
 };
 
 class CimClient {
@@ -113,13 +115,17 @@ public:
     void modifyInstance(const InstanceName& name, const std::vector<CimProperty>& properties);
     CimValue invokeMethod(const InstanceName& name, const std::string& method);
 
-    // The request bodies, exposed for tests of their form.
-    std::string modifyInstanceBody(const InstanceName& name, const std::vector<CimProperty>& properties) const;
-
 private:
+    std::string modifyInstanceBody(const InstanceName& name, const std::vector<CimProperty>& properties) const;
     std::string post(const std::string& cimMethod, const std::string& cimObject, const std::string& body);
+    // At most 10 s to connect, less when the answer is awaited for less.
+    int connectTimeoutSeconds() const;
+    // Why a request that waited `waited` got no answer, in words.
+    std::string failureReason(httplib::Error error, std::chrono::steady_clock::duration waited) const;
 
     Connection connection_;
+    std::string host_;
+    int port_ = 0;
     std::string path_;
     std::unique_ptr<httplib::Client> http_;
 };

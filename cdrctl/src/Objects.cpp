@@ -26,10 +26,9 @@ PropertySpec flag(const char* name) {
 PropertySpec text(const char* name, bool secret = false) {
     return {name, "string", Rule::Text, 0, 511, nullptr, nullptr, 0, secret};
 }
-PropertySpec digits(const char* name, unsigned long max, const char* tooLong,
-                    const char* otherCharacters = "takes the digits 0-9 only; the device refuses anything else "
-                                                  "(status 301)") {
-    return {name, "string", Rule::Digits, 0, max, tooLong, nullptr, 0, false, otherCharacters};
+PropertySpec digits(const char* name, unsigned long max, const char* tooLong) {
+    return {name,  "string", Rule::Digits, 0, max, tooLong, nullptr, 0,
+            false, "takes the digits 0-9 only; the device refuses anything else (status 301)"};
 }
 PropertySpec day(const char* name, unsigned long min, unsigned long max) {
     // Written before the transfer type that reads it.
@@ -45,8 +44,8 @@ std::vector<ObjectSpec> buildObjects() {
              byte("Language"),
              byte("ReportFilter"),
              // Three characters pass; the device keeps the first two.
-             digits("FeatureCode", 3, "FeatureCode length must be must be <= 3",
-                    "takes digits only: the device stores any other character as 0"),
+             {"FeatureCode", "string", Rule::Digits, 0, 3, "FeatureCode length must be must be <= 3", nullptr, 0,
+              false, "takes digits only: the device stores any other character as 0", true},
              byte("DateFormat"),
              byte("HeaderFormat"),
              flag("DNISInfo"),

@@ -38,6 +38,8 @@ struct PropertySpec {
     bool secret;
     // Why the limit exists, when the module itself would not refuse.
     const char* note = nullptr;
+    // Digits: the module takes other characters and stores something else.
+    bool storesOtherCharacters = false;
 };
 
 struct ObjectSpec {
@@ -54,12 +56,23 @@ const ObjectSpec* findObject(const std::string& name);
 const PropertySpec* findProperty(const ObjectSpec& object, const std::string& name);
 std::string objectNames(const char* separator);
 
+// What the object manager and the module would do with a value cdrctl
+// refuses, had it been sent.
+enum class IfSent {
+    NotWritable,       // the property is read only
+    ModuleRefuses,     // a CIM error carrying the module's own message, the reason given
+    ModuleRefuses301,  // CIM error 1 with setter status 301
+    NotConvertible,    // the object manager cannot convert the text to the property's type
+    StoredOtherwise,   // accepted, but stored or read as another value than the text says
+};
+
 // Checks a value against the property's rule; on success gives the text to
 // send (numbers normalised, booleans as true/false, transfer type names as
 // numbers), else throws ValueRefused with the reason.
 struct ValueRefused {
     std::string property;
     std::string reason;
+    IfSent ifSent = IfSent::ModuleRefuses;
 };
 std::string checkedValue(const PropertySpec& property, const std::string& value);
 

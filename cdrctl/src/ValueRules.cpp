@@ -2,6 +2,8 @@
 // accepts and, where the module would accept a value only to store something
 // else, refuse it with the reason.
 #include <cctype>
+#include <cstdio>
+#include <cstdlib>
 #include <string>
 
 #include "Objects.hpp"
@@ -17,116 +19,196 @@ bool allDigits(const std::string& value) {
     return true;
 }
 
-[[noreturn]] void refuse(const PropertySpec& property, const std::string& reason) {
-    throw ValueRefused{property.name, reason};
+[[noreturn]] void refuse(const PropertySpec& property, const std::string& reason, IfSent ifSent) {
+    throw ValueRefused{property.name, reason, ifSent};
 }
 
-// A decimal whole number, or refused with "NAME must be ...".
+// The leading decimal number of a text, 0 when it has none, as the device
+// reads numbers kept as text.
+long leadingNumber(const std::string& value) { return std::atol(value.c_str()); }
+
+void checkRange(const PropertySpec& property, unsigned long number);
+
+// A decimal whole number, or refused with "NAME must be ...". The object
+// manager reads an empty value as 0.
 unsigned long wholeNumber(const PropertySpec& property, const std::string& value) {
-    if (value.empty() || value.size() > 10 || !allDigits(value)) {
-        refuse(property, std::string(property.name) + " must be a whole number from " + std::to_string(property.min) +
-                             " to " + std::to_string(property.max));
+    if (value.empty()) {
+        checkRange(property, 0);
+        refuse(property, std::string(property.name) + " is empty: the object manager would store 0",
+               IfSent::StoredOtherwise);
+    }
+    if (value.size() > 10 || !allDigits(value)) {
+        refuse(property,
+               std::string(property.name) + " must be a whole number from " + std::to_string(property.min) + " to " +
+                   std::to_string(property.max),
+               IfSent::NotConvertible);
     }
     return std::stoul(value);
 }
 
+// Outside [min, max]: the module's own message where it has one; a limit with
+// a note is one the module would not enforce; else the limit is the type's.
 void checkRange(const PropertySpec& property, unsigned long number) {
-    auto reason = [&](const char* own, const char* relation, unsigned long bound) {
-        if (own) return std::string(own);
+    auto refuseBeyond = [&](const char* own, const char* relation, unsigned long bound) {
+        if (own) refuse(property, own, IfSent::ModuleRefuses);
         std::string limit = std::string(property.name) + " must be " + relation + " " + std::to_string(bound);
-        return property.note ? limit + ": " + property.note : limit;
+        if (property.note) refuse(property, limit + ": " + property.note, IfSent::StoredOtherwise);
+        refuse(property, limit, IfSent::NotConvertible);
     };
-    if (number > property.max) refuse(property, reason(property.tooHigh, "<=", property.max));
-    if (number < property.min) refuse(property, reason(property.tooLow, ">=", property.min));
+    if (number > property.max) refuseBeyond(property.tooHigh, "<=", property.max);
+    if (number < property.min) refuseBeyond(property.tooLow, ">=", property.min);
+}
+
+std::string checkNumber(const PropertySpec& property, const std::string& value) {
+    unsigned long number = wholeNumber(property, value);
+    checkRange(property, number);
+    return std::to_string(number);
+}
+
+std::string checkBoolean(const PropertySpec& property, const std::string& value) {
+    std::string lower;
+    for (unsigned char c : value) lower += static_cast<char>(std::tolower(c));
+    if (lower == "true" || lower == "yes" || lower == "on" || lower == "1") return "true";
+    if (lower == "false" || lower == "no" || lower == "off" || lower == "0") return "false";
+    if (value.empty()) {
+        refuse(property, std::string(property.name) + " is empty: the object manager would store false",
+               IfSent::StoredOtherwise);
+    }
+    refuse(property, std::string(property.name) + " must be true or false", IfSent::NotConvertible);
 }
 
 // Printable ASCII only: the device keeps text as ISO 8859-1 and hands it out
 // converted to UTF-8, so anything beyond ASCII comes back changed.
-void checkText(const PropertySpec& property, const std::string& value) {
+std::string checkText(const PropertySpec& property, const std::string& value) {
     for (unsigned char c : value) {
         if (c >= 0x80) {
-            refuse(property, std::string(property.name) +
-                                 " holds a non-ASCII character: the device stores text as ISO 8859-1 and reads it "
-                                 "back converted to UTF-8 once more, so the text would come back changed (\"ü\" as "
-                                 "\"Ã¼\"); use ASCII characters only");
+            refuse(property,
+                   std::string(property.name) +
+                       " holds a non-ASCII character: the device stores text as ISO 8859-1 and reads it back "
+                       "converted to UTF-8 once more, so the text would come back changed (\"ü\" as \"Ã¼\"); use "
+                       "ASCII characters only",
+                   IfSent::StoredOtherwise);
         }
         if (std::iscntrl(c)) {
-            refuse(property, std::string(property.name) +
-                                 " holds a control character: the device reads such a text back as empty");
+            refuse(property,
+                   std::string(property.name) +
+                       " holds a control character: the device reads such a text back as empty",
+                   IfSent::StoredOtherwise);
         }
     }
     if (value.size() > property.max) {
-        refuse(property, std::string(property.name) + " must be at most " + std::to_string(property.max) +
-                             " characters: the device reads texts into 512 bytes");
+        refuse(property,
+               std::string(property.name) + " must be at most " + std::to_string(property.max) +
+                   " characters: the device reads texts into 512 bytes",
+               IfSent::StoredOtherwise);
     }
+    return value;
 }
 
+std::string checkDigits(const PropertySpec& property, const std::string& value) {
+    if (value.size() > property.max) refuse(property, property.tooHigh, IfSent::ModuleRefuses);
+    if (!allDigits(value)) {
+        refuse(property, std::string(property.name) + " " + property.note,
+               property.storesOtherCharacters ? IfSent::StoredOtherwise : IfSent::ModuleRefuses301);
+    }
+    return value;
+}
+
+std::string checkSuppressCount(const PropertySpec& property, const std::string& value) {
+    if (value.size() > 2) refuse(property, property.tooHigh, IfSent::ModuleRefuses);
+    if (value.empty()) {
+        refuse(property, std::string(property.name) + " is empty: the device would store 0", IfSent::StoredOtherwise);
+    }
+    if (!allDigits(value) || std::stoul(value) > property.max) {
+        refuse(property,
+               std::string(property.name) + " must be a number from 0 to 16; the device refuses anything else (status "
+                                            "301)",
+               IfSent::ModuleRefuses301);
+    }
+    return value;
+}
+
+// How the device reads a time text: split at ':' skipping empty parts, each
+// of the first two counted by its leading number, a part that counts 0 other
+// than "0" or "00" refused. Gives false when the device refuses the text.
+bool deviceReadsTime(const std::string& value, long& hour, long& minute) {
+    long* parts[2] = {&hour, &minute};
+    hour = minute = 0;
+    size_t from = 0;
+    for (int i = 0; i < 2 && from < value.size();) {
+        size_t colon = value.find(':', from);
+        std::string part = value.substr(from, colon == std::string::npos ? std::string::npos : colon - from);
+        from = colon == std::string::npos ? value.size() : colon + 1;
+        if (part.empty()) continue;
+        *parts[i] = leadingNumber(part);
+        if (*parts[i] == 0 && part != "0" && part != "00") return false;
+        ++i;
+    }
+    return hour >= 0 && hour <= 23 && minute >= 0 && minute <= 59;
+}
+
+// H:MM, HH:MM, or with a one-digit minute: hour 0-23, minute 0-59.
 std::string checkTime(const PropertySpec& property, const std::string& value) {
     size_t colon = value.find(':');
     std::string hour = value.substr(0, colon);
     std::string minute = colon == std::string::npos ? "" : value.substr(colon + 1);
-    bool shaped = !hour.empty() && hour.size() <= 2 && minute.size() == 2 && allDigits(hour) && allDigits(minute);
-    if (!shaped || std::stoi(hour) > 23 || std::stoi(minute) > 59) {
-        refuse(property, std::string(property.name) +
-                             " must be HH:MM with hour 0-23 and minute 00-59; the device refuses anything else "
-                             "(status 301)");
+    bool shaped = !hour.empty() && hour.size() <= 2 && !minute.empty() && minute.size() <= 2 && allDigits(hour) &&
+                  allDigits(minute);
+    if (shaped && std::stoi(hour) <= 23 && std::stoi(minute) <= 59) return value;
+    std::string rule = std::string(property.name) + " must be HH:MM with hour 0-23 and minute 00-59";
+    long readHour = 0, readMinute = 0;
+    if (!deviceReadsTime(value, readHour, readMinute))
+        refuse(property, rule + "; the device refuses anything else (status 301)", IfSent::ModuleRefuses301);
+    char read[8];
+    std::snprintf(read, sizeof read, "%02ld:%02ld", readHour, readMinute);
+    refuse(property, rule + ": the device would read \"" + value + "\" as " + read, IfSent::StoredOtherwise);
+}
+
+// A day is counted by its leading number, so the device takes any text
+// whose leading number is in range.
+std::string checkDay(const PropertySpec& property, const std::string& value) {
+    std::string rule = std::string(property.name) + " must be a number from " + std::to_string(property.min) +
+                       " to " + std::to_string(property.max);
+    long day = leadingNumber(value);
+    bool inRange = day >= static_cast<long>(property.min) && day <= static_cast<long>(property.max);
+    if (!inRange || value.size() > 10)
+        refuse(property, rule + "; the device refuses anything else (status 301)", IfSent::ModuleRefuses301);
+    if (value.empty() || !allDigits(value)) {
+        refuse(property, rule + ": the device would read \"" + value + "\" as " + std::to_string(day),
+               IfSent::StoredOtherwise);
     }
-    return value;
+    return std::to_string(day);
+}
+
+// The device stores any byte and pushes daily for one it does not know.
+std::string checkTransferType(const PropertySpec& property, const std::string& value) {
+    static const char* const names[] = {"daily", "weekly", "monthly"};
+    for (unsigned long i = 0; i < 3; ++i) {
+        if (value == names[i]) return std::to_string(i);
+    }
+    if (value.size() == 1 && allDigits(value) && std::stoul(value) <= property.max) return value;
+    std::string rule = std::string(property.name) + " must be 0 or daily, 1 or weekly, 2 or monthly, 3 or 4 (no " +
+                       "scheduled push)";
+    if (value.empty()) refuse(property, rule + ": the object manager would store 0 (daily)", IfSent::StoredOtherwise);
+    if (value.size() > 3 || !allDigits(value) || std::stoul(value) > 255)
+        refuse(property, rule, IfSent::NotConvertible);
+    refuse(property, rule + ": the device would store " + std::to_string(std::stoul(value)) + " and push daily",
+           IfSent::StoredOtherwise);
 }
 
 }  // namespace
 
 std::string checkedValue(const PropertySpec& property, const std::string& value) {
     switch (property.rule) {
-        case Rule::None:
-            refuse(property, std::string(property.name) + " is read only");
-        case Rule::Number: {
-            unsigned long number = wholeNumber(property, value);
-            checkRange(property, number);
-            return std::to_string(number);
-        }
-        case Rule::Boolean: {
-            std::string lower;
-            for (unsigned char c : value) lower += static_cast<char>(std::tolower(c));
-            if (lower == "true" || lower == "yes" || lower == "on" || lower == "1") return "true";
-            if (lower == "false" || lower == "no" || lower == "off" || lower == "0") return "false";
-            refuse(property, std::string(property.name) + " must be true or false");
-        }
-        case Rule::Text:
-            checkText(property, value);
-            return value;
-        case Rule::Digits:
-            if (value.size() > property.max) refuse(property, property.tooHigh);
-            if (!allDigits(value)) refuse(property, std::string(property.name) + " " + property.note);
-            return value;
-        case Rule::SuppressCount:
-            if (value.size() > 2) refuse(property, property.tooHigh);
-            if (value.empty() || !allDigits(value) || std::stoul(value) > property.max) {
-                refuse(property, std::string(property.name) +
-                                     " must be a number from 0 to 16; the device refuses anything else (status 301)");
-            }
-            return value;
-        case Rule::Time:
-            return checkTime(property, value);
-        case Rule::Day:
-            if (value.empty() || value.size() > 2 || !allDigits(value) || std::stoul(value) < property.min ||
-                std::stoul(value) > property.max) {
-                refuse(property, std::string(property.name) + " must be a number from " +
-                                     std::to_string(property.min) + " to " + std::to_string(property.max) +
-                                     "; the device refuses anything else (status 301)");
-            }
-            return std::to_string(std::stoul(value));
-        case Rule::TransferType: {
-            static const char* const names[] = {"daily", "weekly", "monthly"};
-            for (unsigned long i = 0; i < 3; ++i) {
-                if (value == names[i]) return std::to_string(i);
-            }
-            if (value.size() != 1 || !allDigits(value) || std::stoul(value) > property.max) {
-                refuse(property, std::string(property.name) +
-                                     " must be 0 or daily, 1 or weekly, 2 or monthly, 3 or 4 (no scheduled push)");
-            }
-            return value;
-        }
+        case Rule::None: refuse(property, std::string(property.name) + " is read only", IfSent::NotWritable);
+        case Rule::Number: return checkNumber(property, value);
+        case Rule::Boolean: return checkBoolean(property, value);
+        case Rule::Text: return checkText(property, value);
+        case Rule::Digits: return checkDigits(property, value);
+        case Rule::SuppressCount: return checkSuppressCount(property, value);
+        case Rule::Time: return checkTime(property, value);
+        case Rule::Day: return checkDay(property, value);
+        case Rule::TransferType: return checkTransferType(property, value);
     }
     return value;
 }
