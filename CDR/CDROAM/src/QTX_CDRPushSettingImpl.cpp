@@ -13,8 +13,6 @@ QTX_CDRPushSettingImpl* gCDRPushInstance = 0;
 
 namespace {
 
-// Status of the unit's last registry call; informative only.
-uint32_t ret;
 // Immediate pushes run so far.
 unsigned int PushFileNowReturn = 0;
 
@@ -88,11 +86,11 @@ void writeDefaultText(const PushText& setting, char* field) {
 // is created with the default; a text with control characters reads as the
 // default. Any other failure is logged, empties `value` and throws.
 void getText(const PushText& setting, char* field, std::string& value) {
-  ret = cdrReadText(CDR_REG_SECTION_PUSH, setting.key, field);
-  if (ret == CDR_REG_ENTRY_ABSENT) {
+  uint32_t status = cdrReadText(CDR_REG_SECTION_PUSH, setting.key, field);
+  if (status == CDR_REG_ENTRY_ABSENT) {
     writeDefaultText(setting, field);
-  } else if (ret != 0) {
-    cdrLogStatus(CDR_LOG_ERROR, setting.readError, ret);
+  } else if (status != 0) {
+    cdrLogStatus(CDR_LOG_ERROR, setting.readError, status);
     value = "";
     throw CFG_ReadError();
   } else {
@@ -110,9 +108,10 @@ void refreshText(const PushText& setting, char* field) {
 }
 
 void writeText(const PushText& setting, const std::string& text) {
-  ret = ZpoSetRegEntryString(CDR_REG_COMPONENT, CDR_REG_SECTION_PUSH, setting.key, text.c_str());
-  if (ret != 0) {
-    cdrLogStatus(CDR_LOG_ERROR, setting.writeError, ret);
+  uint32_t status =
+      ZpoSetRegEntryString(CDR_REG_COMPONENT, CDR_REG_SECTION_PUSH, setting.key, text.c_str());
+  if (status != 0) {
+    cdrLogStatus(CDR_LOG_ERROR, setting.writeError, status);
     throw CFG_WriteError();
   }
 }
@@ -123,12 +122,13 @@ void writeText(const PushText& setting, const std::string& text) {
 template <class Cache, class Value>
 void getByte(const PushByte& setting, Cache& cache, Value& value, Value failedValue) {
   unsigned char byte = 0;
-  ret = ZpoGetRegEntryBinary(CDR_REG_COMPONENT, CDR_REG_SECTION_PUSH, setting.key, &byte, 1);
-  if (ret == CDR_REG_ENTRY_ABSENT) {
+  uint32_t status =
+      ZpoGetRegEntryBinary(CDR_REG_COMPONENT, CDR_REG_SECTION_PUSH, setting.key, &byte, 1);
+  if (status == CDR_REG_ENTRY_ABSENT) {
     byte = setting.defaultByte;
     ZpoSetRegEntryBinary(CDR_REG_COMPONENT, CDR_REG_SECTION_PUSH, setting.key, &byte, 1);
-  } else if (ret != 0) {
-    cdrLogStatus(CDR_LOG_ERROR, setting.readError, ret);
+  } else if (status != 0) {
+    cdrLogStatus(CDR_LOG_ERROR, setting.readError, status);
     value = failedValue;
     throw CFG_ReadError();
   }
@@ -137,9 +137,10 @@ void getByte(const PushByte& setting, Cache& cache, Value& value, Value failedVa
 }
 
 void writeByte(const PushByte& setting, unsigned char byte, int failureLevel) {
-  ret = ZpoSetRegEntryBinary(CDR_REG_COMPONENT, CDR_REG_SECTION_PUSH, setting.key, &byte, 1);
-  if (ret != 0) {
-    cdrLogStatus(failureLevel, setting.writeError, ret);
+  uint32_t status =
+      ZpoSetRegEntryBinary(CDR_REG_COMPONENT, CDR_REG_SECTION_PUSH, setting.key, &byte, 1);
+  if (status != 0) {
+    cdrLogStatus(failureLevel, setting.writeError, status);
     throw CFG_WriteError();
   }
 }
@@ -379,15 +380,15 @@ int QTX_CDRPushSettingImpl::setPushSchedule() {
   strcpy(task.path, kTransferProgram);
 
   int removed = removePushSchedule();
-  ret = ZpoSetScheduledTask(task, kSchedulerArg, kSchedulerArg, kSchedulerArg);
+  ZpoStatus status = ZpoSetScheduledTask(task, kSchedulerArg, kSchedulerArg, kSchedulerArg);
   char line[256];
-  if (ret == 0) {
+  if (status == 0) {
     snprintf(line, sizeof line, "CDR: push task scheduled successfully, %s", description);
     cdrLog(kScheduleDoneLevel, line);
     return removed;
   }
   snprintf(line, sizeof line, "CDR: schedule push task failed, %s, rc=%d", description,
-           static_cast<int>(ret));
+           static_cast<int>(status));
   cdrLog(kScheduleFailedLevel, line);
   throw CFG_WriteError();
 }
@@ -417,8 +418,8 @@ int QTX_CDRPushSettingImpl::removePushSchedule() {
 }
 
 int QTX_CDRPushSettingImpl::RestoreCallBackHdlr(unsigned long) {
-  ret = cdrReadTransferType(m_TransferType);
-  if (ret != 0) return static_cast<int>(ret);
+  uint32_t status = cdrReadTransferType(m_TransferType);
+  if (status != 0) return static_cast<int>(status);
   if (m_TransferType != kDaily && m_TransferType != kWeekly && m_TransferType != kMonthly) {
     return removePushSchedule();
   }
