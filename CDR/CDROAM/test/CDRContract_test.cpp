@@ -118,16 +118,30 @@ class FaultyPushManager : public QTX_CDRPushSettingImplInstanceManager {
   void destroyQTX_CDRPushSetting(QTX_CDRPushSetting*) override { throwFault(); }
 };
 
-// A managed object whose change bracket reports `status`.
+// A managed object whose change bracket reports the statuses given and
+// whose first key getter fails on demand. Every managed class's bracket
+// returns 0 and its key getters never fail; this shows what a client would
+// see if they did. (Only the key getter the class has overrides; the others
+// are never instantiated.)
 template <class Impl>
-class RefusingChange : public Impl {
+class RefusingObject : public Impl {
  public:
   template <class... Keys>
-  explicit RefusingChange(Keys... keys) : Impl(keys...) {}
-  int startChange() override { return startStatus; }
-  int endChange() override { return endStatus; }
+  explicit RefusingObject(Keys... keys) : Impl(keys...) {}
+  int startChange() { return startStatus; }
+  int endChange() { return endStatus; }
+  int getInstanceID(std::string& value, OW::Array<OW::CIMQualifier>& qualifiers) const {
+    return failKeys ? 100 : Impl::getInstanceID(value, qualifiers);
+  }
+  int getName(std::string& value, OW::Array<OW::CIMQualifier>& qualifiers) const {
+    return failKeys ? 100 : Impl::getName(value, qualifiers);
+  }
+  int getSystemCreationClassName(std::string& value, OW::Array<OW::CIMQualifier>& qualifiers) const {
+    return failKeys ? 100 : Impl::getSystemCreationClassName(value, qualifiers);
+  }
   int startStatus = 0;
   int endStatus = 0;
+  bool failKeys = false;
 };
 
 // One modification: the property, its value as text (converted to the type
@@ -418,14 +432,12 @@ class ContractRun {
     step("modifyInstance of an unknown key", [&] { modify(keyInstance(className, unknown)); });
     step("createInstance", [&] { instances->createInstance(env, kNamespace, keyInstance(className, target)); });
     step("deleteInstance", [&] { instances->deleteInstance(env, kNamespace, target); });
-    changeBracket(className);
+    refusals(className);
   }
 
-  // The change bracket of every managed class returns 0; a refusal would be
-  // reported as shown here.
   template <class Impl, class... Keys>
-  void refusedBracket(const char* className, Keys... keys) {
-    RefusingChange<Impl> object(keys...);
+  void showRefusals(const char* className, Keys... keys) {
+    RefusingObject<Impl> object(keys...);
     std::vector<OW::CIMObjectPath> paths = names(className);
     OW::CIMObjectPath path(OW::CIMNULL);
     for (const OW::CIMObjectPath& p : paths) {
@@ -436,23 +448,26 @@ class ContractRun {
     object.startStatus = 0;
     object.endStatus = 8;
     step("modifyInstance refused by endChange (status 8)", [&] { modify(keyInstance(className, path)); });
+    object.failKeys = true;
+    step("enumInstanceNames with a key getter failing (status 100)", [&] { names(className); });
+    object.failKeys = false;
   }
-  void changeBracket(const std::string& className) {
-    if (className == "QTX_CDRPushSetting") refusedBracket<QTX_CDRPushSettingImpl>(className.c_str(), "Bracket");
+  void refusals(const std::string& className) {
+    if (className == "QTX_CDRPushSetting") showRefusals<QTX_CDRPushSettingImpl>(className.c_str(), "Bracket");
     if (className == "QTX_CDRPushStatistics") {
-      refusedBracket<QTX_CDRPushStatisticsImpl>(className.c_str(), "Bracket");
+      showRefusals<QTX_CDRPushStatisticsImpl>(className.c_str(), "Bracket");
     }
     if (className == "QTX_CDRPullStatistics") {
-      refusedBracket<QTX_CDRPullStatisticsImpl>(className.c_str(), "Bracket");
+      showRefusals<QTX_CDRPullStatisticsImpl>(className.c_str(), "Bracket");
     }
     if (className == "QTX_CDRService") {
-      refusedBracket<QTX_CDRServiceImpl>(className.c_str(), "QTX_System", "QTX", "QTX_CDRService", "Bracket");
+      showRefusals<QTX_CDRServiceImpl>(className.c_str(), "QTX_System", "QTX", "QTX_CDRService", "Bracket");
     }
     if (className == "QTX_CDRServicePrefixBin") {
-      refusedBracket<QTX_CDRServicePrefixBinImpl>(className.c_str(), "Bracket", 0);
+      showRefusals<QTX_CDRServicePrefixBinImpl>(className.c_str(), "Bracket", 0);
     }
     if (className == "QTX_CDRServiceAccessBin") {
-      refusedBracket<QTX_CDRServiceAccessBinImpl>(className.c_str(), "Bracket", 0);
+      showRefusals<QTX_CDRServiceAccessBinImpl>(className.c_str(), "Bracket", 0);
     }
   }
 
