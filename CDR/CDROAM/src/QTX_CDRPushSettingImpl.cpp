@@ -30,48 +30,44 @@ const unsigned char kMonthly = 2;
 const unsigned char kNoPush = 3;
 const unsigned char kNoPushDefault = 4;
 
-// A text setting: its key, the formats of its failure lines, the entry name
-// of its control-character warning and the text it falls back to.
+// A text setting: its key, the accessor names its failure lines carry, the
+// entry name of its control-character warning and the text it falls back to.
 struct PushText {
   const char* key;
-  const char* readError;
-  const char* writeError;
+  const char* getter;
+  const char* setter;
   const char* controlEntry;
   const char* defaultText;
 };
 
-const PushText kIPAddress = {"IpAddr", "getIPAddress error = %i", "setIPAddress error = %i",
-                             "Push-IpAddr", ""};
-const PushText kUserName = {"UserName", "getUserName error = %i", "setUserName error = %i",
-                            "Push-UserName", ""};
-const PushText kPassword = {"Password", "getPassword error = %i", "setPassword error = %i",
-                            "Push-Password", ""};
-const PushText kDestFolder = {"DestFolder", "getDestFolder error = %i", "setDestFolder error = %i",
-                              "Push-DestFolder", ""};
-const PushText kTransferTime = {"TranTime", "getTransferTime error = %i",
-                                "setTransferTime error = %i", "Push-TranTime", "00:00"};
-const PushText kDayOfMonth = {"TranDateOfMonth", "getTransferDayOfMonth error = %i",
-                              "setTransferDayOfMonth error = %i", "Push-TranDateOfMonth", ""};
-const PushText kDayOfWeek = {"TranDateOfWeek", "getTransferDayOfWeek error = %i",
-                             "setTransferDayOfWeek error = %i", "Push-TranDateOfWeek", ""};
+const PushText kIPAddress = {"IpAddr", "getIPAddress", "setIPAddress", "Push-IpAddr", ""};
+const PushText kUserName = {"UserName", "getUserName", "setUserName", "Push-UserName", ""};
+const PushText kPassword = {"Password", "getPassword", "setPassword", "Push-Password", ""};
+const PushText kDestFolder = {"DestFolder", "getDestFolder", "setDestFolder", "Push-DestFolder",
+                              ""};
+const PushText kTransferTime = {"TranTime", "getTransferTime", "setTransferTime", "Push-TranTime",
+                                "00:00"};
+const PushText kDayOfMonth = {"TranDateOfMonth", "getTransferDayOfMonth", "setTransferDayOfMonth",
+                              "Push-TranDateOfMonth", ""};
+const PushText kDayOfWeek = {"TranDateOfWeek", "getTransferDayOfWeek", "setTransferDayOfWeek",
+                             "Push-TranDateOfWeek", ""};
 
-// A one-byte setting: its key, the formats of its failure lines and the
-// byte written back when the entry is missing.
+// A one-byte setting: its key, the accessor names its failure lines carry
+// and the byte written back when the entry is missing.
 struct PushByte {
   const char* key;
-  const char* readError;
-  const char* writeError;
+  const char* getter;
+  const char* setter;
   unsigned char defaultByte;
 };
 
-const PushByte kTransferType = {"TransferType", "getTransferType error = %i",
-                                "setTransferType error = %i", kNoPushDefault};
-const PushByte kNumRetry = {"NumRetry", "getNumRetry error = %i", "setNumRetry error = %i", 0};
-const PushByte kDeleteFlag = {"DeleteFlag", "getDeleteFlag error = %i", "setDeleteFlag error = %i", 0};
-const PushByte kCompressFlag = {"CompressFlag", "getCompressFlag error = %i",
-                                "setCompressFlag error = %i", 0};
-const PushByte kIncludeMetricsFlag = {"IncludeMetricsFlag", "getIncludeMetricsFlag error = %i",
-                                      "setIncludeMetricsFlag error = %i", 0};
+const PushByte kTransferType = {"TransferType", "getTransferType", "setTransferType",
+                                kNoPushDefault};
+const PushByte kNumRetry = {"NumRetry", "getNumRetry", "setNumRetry", 0};
+const PushByte kDeleteFlag = {"DeleteFlag", "getDeleteFlag", "setDeleteFlag", 0};
+const PushByte kCompressFlag = {"CompressFlag", "getCompressFlag", "setCompressFlag", 0};
+const PushByte kIncludeMetricsFlag = {"IncludeMetricsFlag", "getIncludeMetricsFlag",
+                                      "setIncludeMetricsFlag", 0};
 
 void setField(char* field, const char* text) { snprintf(field, CDR_TEXT_SIZE, "%s", text); }
 
@@ -90,7 +86,7 @@ void getText(const PushText& setting, char* field, std::string& value) {
   if (status == CDR_REG_ENTRY_ABSENT) {
     writeDefaultText(setting, field);
   } else if (status != 0) {
-    cdrLogStatus(CDR_LOG_ERROR, setting.readError, status);
+    writeError(setting.getter, status);
     value = "";
     throw CFG_ReadError();
   } else {
@@ -111,7 +107,7 @@ void writeText(const PushText& setting, const std::string& text) {
   uint32_t status =
       ZpoSetRegEntryString(CDR_REG_COMPONENT, CDR_REG_SECTION_PUSH, setting.key, text.c_str());
   if (status != 0) {
-    cdrLogStatus(CDR_LOG_ERROR, setting.writeError, status);
+    writeError(setting.setter, status);
     throw CFG_WriteError();
   }
 }
@@ -128,7 +124,7 @@ void getByte(const PushByte& setting, Cache& cache, Value& value, Value failedVa
     byte = setting.defaultByte;
     ZpoSetRegEntryBinary(CDR_REG_COMPONENT, CDR_REG_SECTION_PUSH, setting.key, &byte, 1);
   } else if (status != 0) {
-    cdrLogStatus(CDR_LOG_ERROR, setting.readError, status);
+    writeError(setting.getter, status);
     value = failedValue;
     throw CFG_ReadError();
   }
@@ -140,7 +136,7 @@ void writeByte(const PushByte& setting, unsigned char byte, int failureLevel) {
   uint32_t status =
       ZpoSetRegEntryBinary(CDR_REG_COMPONENT, CDR_REG_SECTION_PUSH, setting.key, &byte, 1);
   if (status != 0) {
-    cdrLogStatus(failureLevel, setting.writeError, status);
+    cdrLogError(failureLevel, setting.setter, status);
     throw CFG_WriteError();
   }
 }
