@@ -71,10 +71,33 @@ inline CommandResult runCommand(const std::string& command, const TempDir& scrat
 // set). Null when CDR_E2E_URL is not set: the tests then start cimhost
 // themselves, which answers as the 3.0 series does.
 struct ExternalServer {
-    std::string url;
+    std::string url;       // as given, without trailing slashes: credentials included, as wbemcli takes them
+    std::string address;   // scheme, host and port, without the credentials
+    std::string user;      // empty when the URL names none
+    std::string password;
     std::string zpoRoot;
     std::string series;
 };
+
+// Splits an object manager URL "<scheme>://[user[:password]@]host:port";
+// trailing slashes are dropped.
+inline ExternalServer parseServerUrl(std::string url) {
+    while (!url.empty() && url.back() == '/') url.pop_back();
+    ExternalServer server;
+    server.url = url;
+    server.address = url;
+    size_t scheme = url.find("://");
+    size_t start = scheme == std::string::npos ? 0 : scheme + 3;
+    size_t at = url.find('@', start);
+    if (at != std::string::npos && url.find('/', start) > at) {
+        std::string credentials = url.substr(start, at - start);
+        size_t colon = credentials.find(':');
+        server.user = credentials.substr(0, colon);
+        if (colon != std::string::npos) server.password = credentials.substr(colon + 1);
+        server.address = url.substr(0, start) + url.substr(at + 1);
+    }
+    return server;
+}
 
 inline const ExternalServer* externalServer() {
     static const ExternalServer* const server = []() -> const ExternalServer* {
@@ -82,10 +105,11 @@ inline const ExternalServer* externalServer() {
         if (!url || !*url) return nullptr;
         const char* root = std::getenv("CDR_E2E_ZPO_ROOT");
         if (!root || !*root) throw std::runtime_error("CDR_E2E_URL is set without CDR_E2E_ZPO_ROOT");
-        std::string base = url;
-        while (!base.empty() && base.back() == '/') base.pop_back();
+        ExternalServer* parsed = new ExternalServer(parseServerUrl(url));
+        parsed->zpoRoot = root;
         const char* series = std::getenv("CDR_E2E_SERIES");
-        return new ExternalServer{base, root, series && *series ? series : "3.0"};
+        parsed->series = series && *series ? series : "3.0";
+        return parsed;
     }();
     return server;
 }

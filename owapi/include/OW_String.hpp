@@ -46,31 +46,11 @@ public:
 	~String();
 
 	void swap(String& x);
-	/// A malloc'ed copy of the text; the caller frees it.
-	char* allocateCString() const;
 	size_t length() const;
 	bool empty() const { return length() == 0; }
 	/// Number of UTF-8 characters.
 	size_t UTF8Length() const;
-	/// printf into *this; returns the new length.
-	int format(const char* fmt, ...);
 
-	enum EReturnDelimitersFlag
-	{
-		E_DISCARD_TOKENS,
-		E_RETURN_TOKENS,
-		E_DISCARD_DELIMITERS,
-		E_RETURN_DELIMITERS
-	};
-	enum EEmptyTokenReturnFlag
-	{
-		E_SKIP_EMPTY_TOKENS,
-		E_RETURN_EMPTY_TOKENS
-	};
-	/// Splits on any of the delimiter characters.
-	StringArray tokenize(const char* delims = " \n\r\t\v",
-		EReturnDelimitersFlag returnDelimitersAsTokens = E_DISCARD_DELIMITERS,
-		EEmptyTokenReturnFlag returnEmptyTokens = E_SKIP_EMPTY_TOKENS) const;
 	/// Never NULL.
 	const char* c_str() const;
 	/// No range check; "" gives '\0'.
@@ -99,7 +79,6 @@ public:
 	bool equals(const char* arg) const;
 	bool equalsIgnoreCase(const String& arg) const;
 	bool equalsIgnoreCase(const char* arg) const;
-	UInt32 hashCode() const;
 	size_t indexOf(char ch, size_t fromIndex = 0) const;
 	size_t indexOf(const char* arg, size_t fromIndex = 0) const;
 	size_t indexOf(const String& arg, size_t fromIndex = 0) const
@@ -121,7 +100,6 @@ public:
 	/// beginIndex past the end, or len 0, gives ""; len is clipped to the end.
 	String substring(size_t beginIndex, size_t length = npos) const;
 	/// True when empty or all white space.
-	bool isSpaces() const;
 	/// These modify *this and return it.
 	String& toLowerCase();
 	String& toUpperCase();
@@ -157,8 +135,6 @@ public:
 	UInt64 toUInt64(int base = 10) const;
 	Int64 toInt64(int base = 10) const;
 #ifndef OWAPI_SERIES_3_0
-	unsigned int toUnsignedInt(int base = 10) const;
-	int toInt(int base = 10) const;
 #endif
 
 	static const size_t npos = size_t(~0);

@@ -8,7 +8,6 @@
 #include <cstring>
 #include <cstdlib>
 #include <cstdio>
-#include <cstdarg>
 #include <cctype>
 #include <cerrno>
 #include <climits>
@@ -203,91 +202,9 @@ String::~String() {}
 
 void String::swap(String& x) { m_buf.swap(x.m_buf); }
 
-char* String::allocateCString() const
-{
-	size_t len = length();
-	char* p = static_cast<char*>(std::malloc(len + 1));
-	if (p != 0)
-	{
-		std::memcpy(p, c_str(), len + 1);
-	}
-	return p;
-}
-
 size_t String::length() const { return m_buf.isNull() ? 0 : m_buf->text.size(); }
 
 size_t String::UTF8Length() const { return UTF8Utils::charCount(c_str()); }
-
-int String::format(const char* fmt, ...)
-{
-	va_list ap;
-	va_start(ap, fmt);
-	va_list ap2;
-	va_copy(ap2, ap);
-	int n = std::vsnprintf(0, 0, fmt, ap);
-	va_end(ap);
-	if (n < 0)
-	{
-		va_end(ap2);
-		return static_cast<int>(length());
-	}
-	std::string buf(static_cast<size_t>(n) + 1, '\0');
-	std::vsnprintf(&buf[0], buf.size(), fmt, ap2);
-	va_end(ap2);
-	buf.resize(static_cast<size_t>(n));
-	*this = fromStd(buf);
-	return n;
-}
-
-StringArray String::tokenize(const char* delims, EReturnDelimitersFlag returnDelimitersAsTokens,
-	EEmptyTokenReturnFlag returnEmptyTokens) const
-{
-	StringArray result;
-	if (delims == 0)
-	{
-		delims = " \n\r\t\v";
-	}
-	bool returnDelims = returnDelimitersAsTokens == E_RETURN_DELIMITERS
-		|| returnDelimitersAsTokens == E_RETURN_TOKENS;
-	const char* p = c_str();
-	size_t len = length();
-	std::string token;
-	bool lastWasDelim = true;
-	for (size_t i = 0; i < len; ++i)
-	{
-		if (std::strchr(delims, p[i]) != 0)
-		{
-			if (!token.empty())
-			{
-				result.push_back(fromStd(token));
-				token.clear();
-			}
-			else if (returnEmptyTokens == E_RETURN_EMPTY_TOKENS && lastWasDelim)
-			{
-				result.push_back(String());
-			}
-			if (returnDelims)
-			{
-				result.push_back(String(p[i]));
-			}
-			lastWasDelim = true;
-		}
-		else
-		{
-			token += p[i];
-			lastWasDelim = false;
-		}
-	}
-	if (!token.empty())
-	{
-		result.push_back(fromStd(token));
-	}
-	else if (returnEmptyTokens == E_RETURN_EMPTY_TOKENS && lastWasDelim && len > 0)
-	{
-		result.push_back(String());
-	}
-	return result;
-}
 
 const char* String::c_str() const { return m_buf.isNull() ? "" : m_buf->text.c_str(); }
 
@@ -366,22 +283,6 @@ bool String::equalsIgnoreCase(const String& arg) const
 	return length() == arg.length() && compareToIgnoreCase(arg) == 0;
 }
 bool String::equalsIgnoreCase(const char* arg) const { return compareToIgnoreCase(arg) == 0; }
-
-UInt32 String::hashCode() const
-{
-	UInt32 hash = 0;
-	for (const char* p = c_str(); *p; ++p)
-	{
-		hash = (hash << 4) + static_cast<unsigned char>(*p);
-		UInt32 g = hash & 0xf0000000u;
-		if (g != 0)
-		{
-			hash ^= (g >> 24);
-			hash ^= g;
-		}
-	}
-	return hash;
-}
 
 size_t String::indexOf(char ch, size_t fromIndex) const
 {
@@ -462,18 +363,6 @@ String String::substring(size_t beginIndex, size_t len) const
 		len = total - beginIndex;
 	}
 	return String(c_str() + beginIndex, len);
-}
-
-bool String::isSpaces() const
-{
-	for (const char* p = c_str(); *p; ++p)
-	{
-		if (!std::isspace(static_cast<unsigned char>(*p)))
-		{
-			return false;
-		}
-	}
-	return true;
 }
 
 String& String::toLowerCase()
@@ -648,11 +537,6 @@ UInt64 String::toUInt64(int base) const
 	return static_cast<UInt64>(parseUnsigned(*this, base, "UInt64"));
 }
 Int64 String::toInt64(int base) const { return checkedSigned<Int64>(*this, base, "Int64"); }
-unsigned int String::toUnsignedInt(int base) const
-{
-	return checkedUnsigned<unsigned int>(*this, base, "unsigned int");
-}
-int String::toInt(int base) const { return checkedSigned<int>(*this, base, "int"); }
 
 std::ostream& operator<<(std::ostream& ostr, const String& arg)
 {

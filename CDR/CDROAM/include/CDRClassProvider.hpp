@@ -4,8 +4,7 @@
 // managed class, its CIM class name, the unit's source path and line numbers
 // for CIM errors, its key properties, the properties an instance is built
 // from, the writable properties, the methods, and the three instance-manager
-// calls (lookup, create, destroy). CDR_PROVIDER_CONVERSIONS adds the
-// per-class names of the conversions and lookups.
+// calls (lookup, create, destroy).
 #ifndef CDR_CLASS_PROVIDER_HPP
 #define CDR_CLASS_PROVIDER_HPP
 
@@ -336,24 +335,8 @@ class CDRClassProvider : public OW_NAMESPACE::CppMethodProviderIFC,
   }
 };
 
-// The per-class names of the conversions and lookups for managed class C.
-#define CDR_PROVIDER_CONVERSIONS(C)                                                          \
-  void C##ToCIMInstance(const OW_NAMESPACE::String& ns, const C& object,                     \
-                        OW_NAMESPACE::CIMInstance& instance) {                               \
-    toCIMInstance(ns, object, instance);                                                     \
-  }                                                                                          \
-  void C##ToCIMObjectPath(const C& object, OW_NAMESPACE::CIMObjectPath& path) {              \
-    toCIMObjectPath(object, path);                                                           \
-  }                                                                                          \
-  C* get##C##WithCIMObjectPath(const OW_NAMESPACE::CIMObjectPath& path) {                    \
-    return getWithCIMObjectPath(path);                                                       \
-  }                                                                                          \
-  C* get##C##WithCIMInstance(const OW_NAMESPACE::CIMInstance& instance) {                    \
-    return getWithCIMInstance(instance);                                                     \
-  }
-
 // Declares the traits of class C's provider (KEY_COUNT key properties), the
-// provider class CProvider with its per-class names, and the module-level
+// provider class CProvider, and the module-level
 // provider object CProv and class name CName (both defined with the
 // provider entry).
 #define CDR_DECLARE_CLASS_PROVIDER(C, KEY_COUNT)                              \
@@ -375,10 +358,7 @@ class CDRClassProvider : public OW_NAMESPACE::CppMethodProviderIFC,
     static Object* create(const std::string* keys);                          \
     static void destroy(Object* object);                                     \
   };                                                                         \
-  class C##Provider : public CDRClassProvider<C##ProviderTraits> {           \
-   public:                                                                   \
-    CDR_PROVIDER_CONVERSIONS(C)                                              \
-  };                                                                         \
+  class C##Provider : public CDRClassProvider<C##ProviderTraits> {};        \
   extern C##Provider C##Prov;                                                \
   extern const char* const C##Name;
 

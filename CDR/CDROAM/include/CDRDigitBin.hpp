@@ -62,24 +62,24 @@ int cdrAssignDigits(void* text, unsigned char lowest, unsigned char highest,
 // Sets every digit position of `entry` to 12 and every other byte to 0.
 void cdrEmptyDigitBinTable(const CDRDigitBinTable& table, char* entry);
 
-// Reads the whole entry of a getter. On a failed read logs `errorFormat`
-// with the registry status, sets `value` to a text of one NUL character and
+// Reads the whole entry of a getter. On a failed read logs the failure of
+// `operation` (writeError), sets `value` to a text of one NUL character and
 // returns 100; otherwise returns 0.
-int cdrReadDigitBinForGet(const CDRDigitBinTable& table, char* entry, const char* errorFormat,
+int cdrReadDigitBinForGet(const CDRDigitBinTable& table, char* entry, const char* operation,
                           std::string& value);
 
 // Reads the whole entry of a setter; after a failed read `entry` is the
 // empty table (nothing logged).
 void cdrReadDigitBinForSet(const CDRDigitBinTable& table, char* entry);
 
-// Writes the whole entry; on failure logs `errorFormat` with the registry
-// status and returns 101, otherwise 0.
-int cdrWriteDigitBin(const CDRDigitBinTable& table, const char* entry, const char* errorFormat);
+// Writes the whole entry; on failure logs the failure of `operation`
+// (writeError) and returns 101, otherwise 0.
+int cdrWriteDigitBin(const CDRDigitBinTable& table, const char* entry, const char* operation);
 
 // The digit getter of row `row`: reads the entry (see cdrReadDigitBinForGet)
 // and decodes the row's digits through `text` into `value`.
 int cdrGetRowDigits(const CDRDigitBinTable& table, char* entry, int row, char* text,
-                    const char* errorFormat, std::string& value);
+                    const char* operation, std::string& value);
 
 // The digit setter of row `row`: reloads the entry, checks `value` (cut to
 // the row's digit count in place), encodes it into the row and writes the
@@ -87,6 +87,6 @@ int cdrGetRowDigits(const CDRDigitBinTable& table, char* entry, int row, char* t
 // found (nothing written), 101 when the write fails, else 0. Other rows
 // keep what the registry held, or are empty after a failed read.
 int cdrSetRowDigits(const CDRDigitBinTable& table, char* entry, int row, std::string& value,
-                    const char* errorFormat);
+                    const char* operation);
 
 #endif

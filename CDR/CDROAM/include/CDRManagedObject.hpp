@@ -130,13 +130,9 @@ class CDRInstanceTable {
     virtual void endIteration() { endCursor(); }                                   \
   };
 
-// Declares CImplInstanceManager, the manager a provider installs. Its creator
-// and destroyer defer to the base, so they refuse as well.
-#define CDR_DECLARE_IMPL_INSTANCE_MANAGER(C, KEY_PARAMS, KEY_ARGS)                 \
-  class C##ImplInstanceManager : public C##InstanceManager {                       \
-   public:                                                                         \
-    virtual C* create##C KEY_PARAMS { return C##InstanceManager::create##C KEY_ARGS; } \
-    virtual void destroy##C(C* object) { C##InstanceManager::destroy##C(object); } \
-  };
+// Declares CImplInstanceManager, the manager a provider installs: the same
+// table under its own name, refusing creation and deletion as well.
+#define CDR_DECLARE_IMPL_INSTANCE_MANAGER(C) \
+  class C##ImplInstanceManager : public C##InstanceManager {};
 
 #endif

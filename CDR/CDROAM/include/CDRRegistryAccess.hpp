@@ -41,10 +41,11 @@ const int CDR_LOG_ERROR = 4;
 
 // Adds one entry to the module's diagnostic log (category 2, identifier -1).
 uint32_t cdrLog(int level, const char* text);
-// Formats `format` with one integer argument and logs it at `level`.
-uint32_t cdrLogStatus(int level, const char* format, unsigned long status);
-
-// Logs "<operation> error = <code>" at level 4; returns the log call's result.
+// The one form of a failed registry call in the log: "<operation> error =
+// <status>" (the accessor's name and the registry status in decimal) at
+// `level`; returns the log call's result.
+uint32_t cdrLogError(int level, const char* operation, unsigned long status);
+// cdrLogError at level 4.
 uint32_t writeError(const char* operation, unsigned long code);
 
 // -1 for a null pointer, an empty text, or a text holding a control

@@ -56,6 +56,6 @@ class QTX_CDRPullStatisticsImpl : public QTX_CDRPullStatistics {
   mutable unsigned char m_IncludeMetricsFlag;
 };
 
-CDR_DECLARE_IMPL_INSTANCE_MANAGER(QTX_CDRPullStatistics, (const std::string& name), (name))
+CDR_DECLARE_IMPL_INSTANCE_MANAGER(QTX_CDRPullStatistics)
 
 #endif

@@ -74,6 +74,6 @@ class QTX_CDRPushSettingImpl : public QTX_CDRPushSetting {
 // there is none.
 extern QTX_CDRPushSettingImpl* gCDRPushInstance;
 
-CDR_DECLARE_IMPL_INSTANCE_MANAGER(QTX_CDRPushSetting, (const std::string& instanceID), (instanceID))
+CDR_DECLARE_IMPL_INSTANCE_MANAGER(QTX_CDRPushSetting)
 
 #endif

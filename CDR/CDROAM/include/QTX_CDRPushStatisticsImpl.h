@@ -32,6 +32,6 @@ class QTX_CDRPushStatisticsImpl : public QTX_CDRPushStatistics {
   mutable char m_LastTransferTime[CDR_TEXT_SIZE];
 };
 
-CDR_DECLARE_IMPL_INSTANCE_MANAGER(QTX_CDRPushStatistics, (const std::string& name), (name))
+CDR_DECLARE_IMPL_INSTANCE_MANAGER(QTX_CDRPushStatistics)
 
 #endif

@@ -50,7 +50,6 @@ class QTX_CDRServiceAccessBinImpl : public QTX_CDRServiceAccessBin {
   static char s_digitText[CDR_BIN_TEXT_SIZE];
 };
 
-CDR_DECLARE_IMPL_INSTANCE_MANAGER(QTX_CDRServiceAccessBin, (const std::string& instanceID),
-                                  (instanceID))
+CDR_DECLARE_IMPL_INSTANCE_MANAGER(QTX_CDRServiceAccessBin)
 
 #endif

@@ -35,7 +35,8 @@ class QTX_CDRServiceImpl : public QTX_CDRService {
 
  private:
   template <class Cache, class Value>
-  int getSetting(const char* key, const char* operation, Cache& cache, Value& value) const;
+  int getSetting(const char* key, const char* operation, Cache& cache, Value& value,
+                 uint32_t* registryStatus = 0) const;
   template <class Cache, class Value>
   int setSetting(const char* key, const char* operation, Cache& cache, Value value);
 
@@ -65,10 +66,6 @@ class QTX_CDRServiceImpl : public QTX_CDRService {
   uint32_t queueId;
 };
 
-CDR_DECLARE_IMPL_INSTANCE_MANAGER(QTX_CDRService,
-                                  (const std::string& systemCreationClassName,
-                                   const std::string& systemName,
-                                   const std::string& creationClassName, const std::string& name),
-                                  (systemCreationClassName, systemName, creationClassName, name))
+CDR_DECLARE_IMPL_INSTANCE_MANAGER(QTX_CDRService)
 
 #endif

@@ -37,7 +37,6 @@ class QTX_CDRServicePrefixBinImpl : public QTX_CDRServicePrefixBin {
   static char s_digitText[CDR_BIN_TEXT_SIZE];
 };
 
-CDR_DECLARE_IMPL_INSTANCE_MANAGER(QTX_CDRServicePrefixBin, (const std::string& instanceID),
-                                  (instanceID))
+CDR_DECLARE_IMPL_INSTANCE_MANAGER(QTX_CDRServicePrefixBin)
 
 #endif

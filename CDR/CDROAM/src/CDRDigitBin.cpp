@@ -74,11 +74,11 @@ uint32_t readEntry(const CDRDigitBinTable& table, char* entry) {
 
 }  // namespace
 
-int cdrReadDigitBinForGet(const CDRDigitBinTable& table, char* entry, const char* errorFormat,
+int cdrReadDigitBinForGet(const CDRDigitBinTable& table, char* entry, const char* operation,
                           std::string& value) {
   uint32_t status = readEntry(table, entry);
   if (status != 0) {
-    cdrLogStatus(CDR_LOG_ERROR, errorFormat, status);
+    writeError(operation, status);
     value.assign(1, '\0');
     return CDR_STATUS_READ_FAILED;
   }
@@ -90,31 +90,31 @@ void cdrReadDigitBinForSet(const CDRDigitBinTable& table, char* entry) {
   if (readEntry(table, entry) != 0) cdrEmptyDigitBinTable(table, entry);
 }
 
-int cdrWriteDigitBin(const CDRDigitBinTable& table, const char* entry, const char* errorFormat) {
+int cdrWriteDigitBin(const CDRDigitBinTable& table, const char* entry, const char* operation) {
   uint32_t status = ZpoSetRegEntryBinary(CDR_REG_COMPONENT, CDR_REG_SECTION_SERVICE, table.key,
                                          entry, table.entrySize);
   if (status != 0) {
-    cdrLogStatus(CDR_LOG_ERROR, errorFormat, status);
+    writeError(operation, status);
     return CDR_STATUS_WRITE_FAILED;
   }
   return CDR_STATUS_OK;
 }
 
 int cdrGetRowDigits(const CDRDigitBinTable& table, char* entry, int row, char* text,
-                    const char* errorFormat, std::string& value) {
-  int status = cdrReadDigitBinForGet(table, entry, errorFormat, value);
+                    const char* operation, std::string& value) {
+  int status = cdrReadDigitBinForGet(table, entry, operation, value);
   if (status != CDR_STATUS_OK) return status;
   value = cdrGetBinDigit(text, entry + row * table.rowSize, table.digitCount);
   return CDR_STATUS_OK;
 }
 
 int cdrSetRowDigits(const CDRDigitBinTable& table, char* entry, int row, std::string& value,
-                    const char* errorFormat) {
+                    const char* operation) {
   cdrReadDigitBinForSet(table, entry);
   if (cdrCheckAllDigits(&value[0], table.digitCount) == 0) {
     cdrLog(CDR_LOG_ERROR, "CheckAllDigits error");
     return CDR_STATUS_INVALID;
   }
   cdrSetBinDigit(entry + row * table.rowSize, value.c_str(), table.digitCount);
-  return cdrWriteDigitBin(table, entry, errorFormat);
+  return cdrWriteDigitBin(table, entry, operation);
 }

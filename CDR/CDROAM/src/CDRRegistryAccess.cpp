@@ -33,16 +33,14 @@ uint32_t cdrLog(int level, const char* text) {
   return ZpoDiagAddLogEntry(zpoHandle, kLogCategory, level, kLogIdentifier, text);
 }
 
-uint32_t cdrLogStatus(int level, const char* format, unsigned long status) {
+uint32_t cdrLogError(int level, const char* operation, unsigned long status) {
   char text[256];
-  snprintf(text, sizeof text, format, static_cast<int>(status));
+  snprintf(text, sizeof text, "%s error = %i", operation, static_cast<int>(status));
   return cdrLog(level, text);
 }
 
 uint32_t writeError(const char* operation, unsigned long code) {
-  char text[256];
-  snprintf(text, sizeof text, "%s error = %i", operation, static_cast<int>(code));
-  return cdrLog(CDR_LOG_ERROR, text);
+  return cdrLogError(CDR_LOG_ERROR, operation, code);
 }
 
 int isControlCharacter(char* text) {

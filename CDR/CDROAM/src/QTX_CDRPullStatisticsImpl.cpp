@@ -7,8 +7,6 @@ using OW_NAMESPACE::CIMQualifier;
 
 namespace {
 
-// Status of the unit's last registry call; informative only.
-uint32_t ret;
 unsigned int RefreshReturn = 0;
 
 // The pull statistics mean something only while the device is pulled from.
@@ -61,22 +59,22 @@ QTX_CDRPullStatisticsImpl::~QTX_CDRPullStatisticsImpl() {}
 
 int QTX_CDRPullStatisticsImpl::setQulifier(Array<CIMQualifier>& qualifiers) const {
   unsigned char type = 0;
-  ret = cdrReadTransferType(type);
-  return cdrAppendApplicable(qualifiers, ret != 0 || type == kTransferPull);
+  uint32_t status = cdrReadTransferType(type);
+  return cdrAppendApplicable(qualifiers, status != 0 || type == kTransferPull);
 }
 
 int QTX_CDRPullStatisticsImpl::getCounter(const char* key, const char* operation, uint32_t& cache,
                                           unsigned int& value,
                                           Array<CIMQualifier>& qualifiers) const {
   if (setQulifier(qualifiers) == 0) return CDR_STATUS_OK;
-  ret = readCounter(key, cache);
-  if (ret == 0) {
+  uint32_t status = readCounter(key, cache);
+  if (status == 0) {
     value = cache;
     return CDR_STATUS_OK;
   }
   value = 0;
-  if (ret == CDR_REG_ENTRY_ABSENT) return CDR_STATUS_OK;
-  writeError(operation, ret);
+  if (status == CDR_REG_ENTRY_ABSENT) return CDR_STATUS_OK;
+  writeError(operation, status);
   return CDR_STATUS_READ_FAILED;
 }
 
@@ -145,27 +143,27 @@ int QTX_CDRPullStatisticsImpl::getTotalNumberOfFileTransferred(
 int QTX_CDRPullStatisticsImpl::getIncludeMetricsFlag(bool& value,
                                                      Array<CIMQualifier>& qualifiers) const {
   if (setQulifier(qualifiers) == 0) return CDR_STATUS_OK;
-  ret = ZpoGetRegEntryBinary(CDR_REG_COMPONENT, CDR_REG_SECTION_PULL, kIncludeMetricsFlagKey,
-                             &m_IncludeMetricsFlag, 1);
-  if (ret == 0) {
+  uint32_t status = ZpoGetRegEntryBinary(CDR_REG_COMPONENT, CDR_REG_SECTION_PULL,
+                                         kIncludeMetricsFlagKey, &m_IncludeMetricsFlag, 1);
+  if (status == 0) {
     value = m_IncludeMetricsFlag != 0;
     return CDR_STATUS_OK;
   }
   value = false;
-  if (ret == CDR_REG_ENTRY_ABSENT) {
+  if (status == CDR_REG_ENTRY_ABSENT) {
     m_IncludeMetricsFlag = 0;
     writeFlag(m_IncludeMetricsFlag);
     return CDR_STATUS_OK;
   }
-  writeError("getIncludeMetricsFlag", ret);
+  writeError("getIncludeMetricsFlag", status);
   return CDR_STATUS_READ_FAILED;
 }
 
 int QTX_CDRPullStatisticsImpl::setIncludeMetricsFlag(bool value) {
   m_IncludeMetricsFlag = value ? 1 : 0;
-  ret = writeFlag(m_IncludeMetricsFlag);
-  if (ret != 0) {
-    writeError("setIncludeMetricsFlag", ret);
+  uint32_t status = writeFlag(m_IncludeMetricsFlag);
+  if (status != 0) {
+    writeError("setIncludeMetricsFlag", status);
     return CDR_STATUS_WRITE_FAILED;
   }
   return CDR_STATUS_OK;

@@ -13,8 +13,6 @@ QTX_CDRPushSettingImpl* gCDRPushInstance = 0;
 
 namespace {
 
-// Status of the unit's last registry call; informative only.
-uint32_t ret;
 // Immediate pushes run so far.
 unsigned int PushFileNowReturn = 0;
 
@@ -32,48 +30,44 @@ const unsigned char kMonthly = 2;
 const unsigned char kNoPush = 3;
 const unsigned char kNoPushDefault = 4;
 
-// A text setting: its key, the formats of its failure lines, the entry name
-// of its control-character warning and the text it falls back to.
+// A text setting: its key, the accessor names its failure lines carry, the
+// entry name of its control-character warning and the text it falls back to.
 struct PushText {
   const char* key;
-  const char* readError;
-  const char* writeError;
+  const char* getter;
+  const char* setter;
   const char* controlEntry;
   const char* defaultText;
 };
 
-const PushText kIPAddress = {"IpAddr", "getIPAddress error = %i", "setIPAddress error = %i",
-                             "Push-IpAddr", ""};
-const PushText kUserName = {"UserName", "getUserName error = %i", "setUserName error = %i",
-                            "Push-UserName", ""};
-const PushText kPassword = {"Password", "getPassword error = %i", "setPassword error = %i",
-                            "Push-Password", ""};
-const PushText kDestFolder = {"DestFolder", "getDestFolder error = %i", "setDestFolder error = %i",
-                              "Push-DestFolder", ""};
-const PushText kTransferTime = {"TranTime", "getTransferTime error = %i",
-                                "setTransferTime error = %i", "Push-TranTime", "00:00"};
-const PushText kDayOfMonth = {"TranDateOfMonth", "getTransferDayOfMonth error = %i",
-                              "setTransferDayOfMonth error = %i", "Push-TranDateOfMonth", ""};
-const PushText kDayOfWeek = {"TranDateOfWeek", "getTransferDayOfWeek error = %i",
-                             "setTransferDayOfWeek error = %i", "Push-TranDateOfWeek", ""};
+const PushText kIPAddress = {"IpAddr", "getIPAddress", "setIPAddress", "Push-IpAddr", ""};
+const PushText kUserName = {"UserName", "getUserName", "setUserName", "Push-UserName", ""};
+const PushText kPassword = {"Password", "getPassword", "setPassword", "Push-Password", ""};
+const PushText kDestFolder = {"DestFolder", "getDestFolder", "setDestFolder", "Push-DestFolder",
+                              ""};
+const PushText kTransferTime = {"TranTime", "getTransferTime", "setTransferTime", "Push-TranTime",
+                                "00:00"};
+const PushText kDayOfMonth = {"TranDateOfMonth", "getTransferDayOfMonth", "setTransferDayOfMonth",
+                              "Push-TranDateOfMonth", ""};
+const PushText kDayOfWeek = {"TranDateOfWeek", "getTransferDayOfWeek", "setTransferDayOfWeek",
+                             "Push-TranDateOfWeek", ""};
 
-// A one-byte setting: its key, the formats of its failure lines and the
-// byte written back when the entry is missing.
+// A one-byte setting: its key, the accessor names its failure lines carry
+// and the byte written back when the entry is missing.
 struct PushByte {
   const char* key;
-  const char* readError;
-  const char* writeError;
+  const char* getter;
+  const char* setter;
   unsigned char defaultByte;
 };
 
-const PushByte kTransferType = {"TransferType", "getTransferType error = %i",
-                                "setTransferType error = %i", kNoPushDefault};
-const PushByte kNumRetry = {"NumRetry", "getNumRetry error = %i", "setNumRetry error = %i", 0};
-const PushByte kDeleteFlag = {"DeleteFlag", "getDeleteFlag error = %i", "setDeleteFlag error = %i", 0};
-const PushByte kCompressFlag = {"CompressFlag", "getCompressFlag error = %i",
-                                "setCompressFlag error = %i", 0};
-const PushByte kIncludeMetricsFlag = {"IncludeMetricsFlag", "getIncludeMetricsFlag error = %i",
-                                      "setIncludeMetricsFlag error = %i", 0};
+const PushByte kTransferType = {"TransferType", "getTransferType", "setTransferType",
+                                kNoPushDefault};
+const PushByte kNumRetry = {"NumRetry", "getNumRetry", "setNumRetry", 0};
+const PushByte kDeleteFlag = {"DeleteFlag", "getDeleteFlag", "setDeleteFlag", 0};
+const PushByte kCompressFlag = {"CompressFlag", "getCompressFlag", "setCompressFlag", 0};
+const PushByte kIncludeMetricsFlag = {"IncludeMetricsFlag", "getIncludeMetricsFlag",
+                                      "setIncludeMetricsFlag", 0};
 
 void setField(char* field, const char* text) { snprintf(field, CDR_TEXT_SIZE, "%s", text); }
 
@@ -88,11 +82,11 @@ void writeDefaultText(const PushText& setting, char* field) {
 // is created with the default; a text with control characters reads as the
 // default. Any other failure is logged, empties `value` and throws.
 void getText(const PushText& setting, char* field, std::string& value) {
-  ret = cdrReadText(CDR_REG_SECTION_PUSH, setting.key, field);
-  if (ret == CDR_REG_ENTRY_ABSENT) {
+  uint32_t status = cdrReadText(CDR_REG_SECTION_PUSH, setting.key, field);
+  if (status == CDR_REG_ENTRY_ABSENT) {
     writeDefaultText(setting, field);
-  } else if (ret != 0) {
-    cdrLogStatus(CDR_LOG_ERROR, setting.readError, ret);
+  } else if (status != 0) {
+    writeError(setting.getter, status);
     value = "";
     throw CFG_ReadError();
   } else {
@@ -110,9 +104,10 @@ void refreshText(const PushText& setting, char* field) {
 }
 
 void writeText(const PushText& setting, const std::string& text) {
-  ret = ZpoSetRegEntryString(CDR_REG_COMPONENT, CDR_REG_SECTION_PUSH, setting.key, text.c_str());
-  if (ret != 0) {
-    cdrLogStatus(CDR_LOG_ERROR, setting.writeError, ret);
+  uint32_t status =
+      ZpoSetRegEntryString(CDR_REG_COMPONENT, CDR_REG_SECTION_PUSH, setting.key, text.c_str());
+  if (status != 0) {
+    writeError(setting.setter, status);
     throw CFG_WriteError();
   }
 }
@@ -123,12 +118,13 @@ void writeText(const PushText& setting, const std::string& text) {
 template <class Cache, class Value>
 void getByte(const PushByte& setting, Cache& cache, Value& value, Value failedValue) {
   unsigned char byte = 0;
-  ret = ZpoGetRegEntryBinary(CDR_REG_COMPONENT, CDR_REG_SECTION_PUSH, setting.key, &byte, 1);
-  if (ret == CDR_REG_ENTRY_ABSENT) {
+  uint32_t status =
+      ZpoGetRegEntryBinary(CDR_REG_COMPONENT, CDR_REG_SECTION_PUSH, setting.key, &byte, 1);
+  if (status == CDR_REG_ENTRY_ABSENT) {
     byte = setting.defaultByte;
     ZpoSetRegEntryBinary(CDR_REG_COMPONENT, CDR_REG_SECTION_PUSH, setting.key, &byte, 1);
-  } else if (ret != 0) {
-    cdrLogStatus(CDR_LOG_ERROR, setting.readError, ret);
+  } else if (status != 0) {
+    writeError(setting.getter, status);
     value = failedValue;
     throw CFG_ReadError();
   }
@@ -137,9 +133,10 @@ void getByte(const PushByte& setting, Cache& cache, Value& value, Value failedVa
 }
 
 void writeByte(const PushByte& setting, unsigned char byte, int failureLevel) {
-  ret = ZpoSetRegEntryBinary(CDR_REG_COMPONENT, CDR_REG_SECTION_PUSH, setting.key, &byte, 1);
-  if (ret != 0) {
-    cdrLogStatus(failureLevel, setting.writeError, ret);
+  uint32_t status =
+      ZpoSetRegEntryBinary(CDR_REG_COMPONENT, CDR_REG_SECTION_PUSH, setting.key, &byte, 1);
+  if (status != 0) {
+    cdrLogError(failureLevel, setting.setter, status);
     throw CFG_WriteError();
   }
 }
@@ -379,15 +376,15 @@ int QTX_CDRPushSettingImpl::setPushSchedule() {
   strcpy(task.path, kTransferProgram);
 
   int removed = removePushSchedule();
-  ret = ZpoSetScheduledTask(task, kSchedulerArg, kSchedulerArg, kSchedulerArg);
+  ZpoStatus status = ZpoSetScheduledTask(task, kSchedulerArg, kSchedulerArg, kSchedulerArg);
   char line[256];
-  if (ret == 0) {
+  if (status == 0) {
     snprintf(line, sizeof line, "CDR: push task scheduled successfully, %s", description);
     cdrLog(kScheduleDoneLevel, line);
     return removed;
   }
   snprintf(line, sizeof line, "CDR: schedule push task failed, %s, rc=%d", description,
-           static_cast<int>(ret));
+           static_cast<int>(status));
   cdrLog(kScheduleFailedLevel, line);
   throw CFG_WriteError();
 }
@@ -417,8 +414,8 @@ int QTX_CDRPushSettingImpl::removePushSchedule() {
 }
 
 int QTX_CDRPushSettingImpl::RestoreCallBackHdlr(unsigned long) {
-  ret = cdrReadTransferType(m_TransferType);
-  if (ret != 0) return static_cast<int>(ret);
+  uint32_t status = cdrReadTransferType(m_TransferType);
+  if (status != 0) return static_cast<int>(status);
   if (m_TransferType != kDaily && m_TransferType != kWeekly && m_TransferType != kMonthly) {
     return removePushSchedule();
   }

@@ -7,8 +7,6 @@ using OW_NAMESPACE::CIMQualifier;
 
 namespace {
 
-// Status of the unit's last registry call; informative only.
-uint32_t ret;
 unsigned int RefreshReturn = 0;
 
 const char* const kLastTransferTimeKey = "LastTransferTime";
@@ -29,8 +27,8 @@ QTX_CDRPushStatisticsImpl::~QTX_CDRPushStatisticsImpl() {}
 // Reads the type afresh rather than trusting the push setting's cache.
 int QTX_CDRPushStatisticsImpl::setQulifier(Array<CIMQualifier>& qualifiers) const {
   unsigned char type = 0;
-  ret = cdrReadTransferType(type);
-  bool noPush = ret == 0 && (type == kTransferPull || type == kTransferNone);
+  uint32_t status = cdrReadTransferType(type);
+  bool noPush = status == 0 && (type == kTransferPull || type == kTransferNone);
   return cdrAppendApplicable(qualifiers, !noPush);
 }
 
@@ -45,7 +43,7 @@ int QTX_CDRPushStatisticsImpl::getLastTransferTime(std::string& value,
 }
 
 unsigned int QTX_CDRPushStatisticsImpl::Refresh() {
-  ret = ZpoGetRegEntryString(CDR_REG_COMPONENT, CDR_REG_SECTION_PUSH, kLastTransferTimeKey,
-                             m_LastTransferTime, sizeof m_LastTransferTime);
+  ZpoGetRegEntryString(CDR_REG_COMPONENT, CDR_REG_SECTION_PUSH, kLastTransferTimeKey,
+                       m_LastTransferTime, sizeof m_LastTransferTime);
   return ++RefreshReturn;
 }

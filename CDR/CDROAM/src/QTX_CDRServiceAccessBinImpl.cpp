@@ -27,15 +27,15 @@ char* QTX_CDRServiceAccessBinImpl::row() const {
 
 int QTX_CDRServiceAccessBinImpl::getAccessBin(std::string& value, Array<CIMQualifier>&) const {
   return cdrGetRowDigits(CDR_ACCESS_BIN_TABLE, m_entry, m_row, s_digitText,
-                         "getAccessBin error = %i", value);
+                         "getAccessBin", value);
 }
 
 int QTX_CDRServiceAccessBinImpl::setAccessBin(std::string value) {
-  return cdrSetRowDigits(CDR_ACCESS_BIN_TABLE, m_entry, m_row, value, "setAccessBin error = %i");
+  return cdrSetRowDigits(CDR_ACCESS_BIN_TABLE, m_entry, m_row, value, "setAccessBin");
 }
 
 int QTX_CDRServiceAccessBinImpl::getSuppressBin(std::string& value, Array<CIMQualifier>&) const {
-  int status = cdrReadDigitBinForGet(CDR_ACCESS_BIN_TABLE, m_entry, "getSuppressBin error = %i", value);
+  int status = cdrReadDigitBinForGet(CDR_ACCESS_BIN_TABLE, m_entry, "getSuppressBin", value);
   if (status != CDR_STATUS_OK) return status;
   char text[8];
   snprintf(text, sizeof text, "%i",
@@ -51,7 +51,7 @@ int QTX_CDRServiceAccessBinImpl::setSuppressBin(std::string value) {
     cdrLog(CDR_LOG_ERROR, "AssignDigits error");
     return CDR_STATUS_INVALID;
   }
-  return cdrWriteDigitBin(CDR_ACCESS_BIN_TABLE, m_entry, "setSuppressBin error = %i");
+  return cdrWriteDigitBin(CDR_ACCESS_BIN_TABLE, m_entry, "setSuppressBin");
 }
 
 const char* QTX_CDRServiceAccessBinImpl::GetBinDigit(char* row, int length) const {

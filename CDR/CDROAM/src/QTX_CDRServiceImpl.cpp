@@ -12,8 +12,6 @@ using OW_NAMESPACE::UInt32;
 
 namespace {
 
-// Status of the unit's last registry call; informative only.
-uint32_t ret;
 unsigned int RefreshReturn = 0;
 unsigned int ClipFileReturn = 0;
 
@@ -70,10 +68,11 @@ QTX_CDRServiceImpl::~QTX_CDRServiceImpl() {}
 // Reads the entry into the cache; on failure logs, zeroes the output, 100.
 template <class Cache, class Value>
 int QTX_CDRServiceImpl::getSetting(const char* key, const char* operation, Cache& cache,
-                                   Value& value) const {
-  ret = readEntry(key, cache);
-  if (ret != 0) {
-    writeError(operation, ret);
+                                   Value& value, uint32_t* registryStatus) const {
+  uint32_t status = readEntry(key, cache);
+  if (registryStatus != 0) *registryStatus = status;
+  if (status != 0) {
+    writeError(operation, status);
     value = Value();
     return CDR_STATUS_READ_FAILED;
   }
@@ -87,9 +86,9 @@ template <class Cache, class Value>
 int QTX_CDRServiceImpl::setSetting(const char* key, const char* operation, Cache& cache,
                                    Value value) {
   cache = static_cast<Cache>(value);
-  ret = writeEntry(key, cache);
-  if (ret != 0) {
-    writeError(operation, ret);
+  uint32_t status = writeEntry(key, cache);
+  if (status != 0) {
+    writeError(operation, status);
     return CDR_STATUS_WRITE_FAILED;
   }
   notifyCDRService(kSettingsChanged);
@@ -142,10 +141,10 @@ int QTX_CDRServiceImpl::getReportType(unsigned char& value, Array<CIMQualifier>&
 
 // Two decimal digits packed into byte 1 of a 2-byte entry; byte 0 is 0xF9.
 int QTX_CDRServiceImpl::getFeatureCode(std::string& value, Array<CIMQualifier>&) const {
-  ret = ZpoGetRegEntryBinary(CDR_REG_COMPONENT, CDR_REG_SECTION_SERVICE, "FEATURE CODE",
-                             m_FeatureCode, 2);
-  if (ret != 0) {
-    writeError("getFeatureCode", ret);
+  uint32_t status = ZpoGetRegEntryBinary(CDR_REG_COMPONENT, CDR_REG_SECTION_SERVICE, "FEATURE CODE",
+                                         m_FeatureCode, 2);
+  if (status != 0) {
+    writeError("getFeatureCode", status);
     value = "00";
     return CDR_STATUS_READ_FAILED;
   }
@@ -160,10 +159,10 @@ int QTX_CDRServiceImpl::setFeatureCode(std::string value) {
   char second = value.length() > 1 && isDigit(value[1]) ? value[1] : 0;
   m_FeatureCode[0] = 0xF9;
   m_FeatureCode[1] = static_cast<unsigned char>(((first & 0x0F) << 4) | (second & 0x0F));
-  ret = ZpoSetRegEntryBinary(CDR_REG_COMPONENT, CDR_REG_SECTION_SERVICE, "FEATURE CODE",
-                             m_FeatureCode, 2);
-  if (ret != 0) {
-    writeError("setFeatureCode", ret);
+  uint32_t status = ZpoSetRegEntryBinary(CDR_REG_COMPONENT, CDR_REG_SECTION_SERVICE, "FEATURE CODE",
+                                         m_FeatureCode, 2);
+  if (status != 0) {
+    writeError("setFeatureCode", status);
     return CDR_STATUS_WRITE_FAILED;
   }
   notifyCDRService(kSettingsChanged);
@@ -172,9 +171,11 @@ int QTX_CDRServiceImpl::setFeatureCode(std::string value) {
 
 // The one property with console traces of its own.
 int QTX_CDRServiceImpl::getAnswerSupervision(bool& value, Array<CIMQualifier>& qualifiers) const {
-  int status = getSetting("SUPERVISE", "getAnswerSupervision", m_AnswerSupervision, value);
+  uint32_t registryStatus = 0;
+  int status =
+      getSetting("SUPERVISE", "getAnswerSupervision", m_AnswerSupervision, value, &registryStatus);
   if (status != CDR_STATUS_OK) {
-    printf(" get AnswerSupervision error = %i\n", static_cast<int>(ret));
+    printf(" get AnswerSupervision error = %i\n", static_cast<int>(registryStatus));
   } else {
     printf("theAnswerSupervision = %i\n", value ? 1 : 0);
   }

@@ -16,11 +16,11 @@ QTX_CDRServicePrefixBinImpl::~QTX_CDRServicePrefixBinImpl() {}
 
 int QTX_CDRServicePrefixBinImpl::getPrefixBin(std::string& value, Array<CIMQualifier>&) const {
   return cdrGetRowDigits(CDR_PREFIX_BIN_TABLE, m_entry, m_row, s_digitText,
-                         "getPrefixBin error = %i", value);
+                         "getPrefixBin", value);
 }
 
 int QTX_CDRServicePrefixBinImpl::setPrefixBin(std::string value) {
-  return cdrSetRowDigits(CDR_PREFIX_BIN_TABLE, m_entry, m_row, value, "setPrefixBin error = %i");
+  return cdrSetRowDigits(CDR_PREFIX_BIN_TABLE, m_entry, m_row, value, "setPrefixBin");
 }
 
 const char* QTX_CDRServicePrefixBinImpl::GetBinDigit(char* row, int length) const {
