@@ -675,67 +675,54 @@ void OperationDispatcher::associations(const CimRequest& request, Context& conte
     xml.start("IRETURNVALUE").end("IRETURNVALUE");
 }
 
-void OperationDispatcher::runExtrinsic(const CimRequest& request, Context& context, XmlWriter& xml) {
-    const ClassDefinition& cls = requireClass(context.nameSpace, request.target.className, CIMException::NOT_FOUND,
-                                              classPathText(context.nameSpace, request.target.className));
-    const OW::CIMClass& apiCls = apiClass(cls);
-    OW::CIMObjectPath path = request.target.isClassPath
-                                 ? OW::CIMObjectPath(OW::CIMName(String(request.target.className.c_str())),
-                                                     context.ns())
-                                 : objectPathFromText(request.target, context.nameSpace, &cls);
-    syncPath(path, cls);
-    // A method on an instance needs the instance: any CIM error of the
-    // provider's getInstance means it is not there.
-    if (!path.getKeys().empty()) {
-        try {
-            providerGetInstance(context, cls, path, false, true, true, nullptr);
-        } catch (const CIMException&) {
-            throwCim(CIMException::NOT_FOUND, "Instance not found: " + text(path.toString()));
-        }
-    }
-    const MethodDefinition* method = cls.findMethod(request.methodName);
-    if (!method) throwCim(CIMException::METHOD_NOT_FOUND, request.methodName);
-    OW::CppMethodProviderIFC* provider = isBound(method->qualifiers) || isBound(cls.qualifiers)
-                                             ? providerFor(context).methodProvider()
-                                             : nullptr;
-    if (!provider) throwCim(CIMException::NOT_FOUND, "No provider for method " + request.methodName);
-    OW::CIMMethod declared = apiCls.getMethod(OW::CIMName(String(method->name.c_str())));
-    OW::CIMParameterArray inputs = declared.getINParameters();
-    OW::CIMParameterArray outputs = declared.getOUTParameters();
+namespace {
 
-    // The parameters as sent: typed by PARAMTYPE, else string.
+// The parameters as sent: typed by PARAMTYPE, else string.
+OW::CIMParamValueArray givenParameters(const CimRequest& request, const std::string& nameSpace,
+                                       const ClassRepository& classes) {
     OW::CIMParamValueArray given;
     for (const ParamValueText& p : request.parameters) {
         OW::CIMValue value =
             p.referenceValue
-                ? OW::CIMValue(objectPathFromText(*p.referenceValue, context.nameSpace,
-                                                  classes_.findClass(p.referenceValue->className)))
+                ? OW::CIMValue(objectPathFromText(*p.referenceValue, nameSpace, classes.findClass(p.referenceValue->className)))
                 : valueFromText(p.paramType.empty() ? "string" : p.paramType, p.value);
         given.push_back(OW::CIMParamValue(OW::CIMName(String(p.name.c_str())), value));
     }
-    // Outputs named by their declaration; inputs in declaration order, each
-    // converted to its declared type, a missing optional one as NULL.
-    OW::CIMParamValueArray out;
-    for (const OW::CIMParameter& parameter : outputs) out.push_back(OW::CIMParamValue(OW::CIMName(parameter.getName())));
-    OW::CIMParamValueArray in;
-    for (const OW::CIMParameter& parameter : inputs) {
-        size_t index = 0;
-        while (index < given.size() && !given[index].getName().equalsIgnoreCase(parameter.getName())) ++index;
-        OW::CIMParamValue value(OW::CIMName(parameter.getName()));
-        if (index < given.size()) {
-            value = given[index];
-            given.erase(given.begin() + index);
-        } else if (parameter.hasTrueQualifier(OW::CIMName("Required"))) {
-            throwCim(CIMException::INVALID_PARAMETER, "Parameter " + text(parameter.getName()) + " was not specified.");
+    return given;
+}
+
+// The given parameter for a declared input, taken out of `given`; a missing
+// optional one is NULL. Converted to the declared type.
+OW::CIMParamValue takeInput(const OW::CIMParameter& parameter, OW::CIMParamValueArray& given) {
+    size_t index = 0;
+    while (index < given.size() && !given[index].getName().equalsIgnoreCase(parameter.getName())) ++index;
+    OW::CIMParamValue value(OW::CIMName(parameter.getName()));
+    if (index < given.size()) {
+        value = given[index];
+        given.erase(given.begin() + index);
+    } else if (parameter.hasTrueQualifier(OW::CIMName("Required"))) {
+        throwCim(CIMException::INVALID_PARAMETER, "Parameter " + text(parameter.getName()) + " was not specified.");
+    }
+    OW::CIMValue v = value.getValue();
+    if (v && v.getType() != parameter.getType().getType()) {
+        try {
+            value.setValue(castValue(v, parameter.getType()));
+        } catch (const CIMException& e) {
+            throwCim(CIMException::INVALID_PARAMETER, e.getDescription() ? e.getDescription() : "");
         }
-        OW::CIMValue v = value.getValue();
-        if (v && v.getType() != parameter.getType().getType()) {
-            try {
-                value.setValue(castValue(v, parameter.getType()));
-            } catch (const CIMException& e) {
-                throwCim(CIMException::INVALID_PARAMETER, e.getDescription() ? e.getDescription() : "");
-            }
-        }
+    }
+    return value;
+}
+
+// Inputs in declaration order; outputs named by their declaration, an
+// input that is also an output giving the output its value.
+void matchParameters(const OW::CIMMethod& declared, OW::CIMParamValueArray given, OW::CIMParamValueArray& in,
+                     OW::CIMParamValueArray& out) {
+    for (const OW::CIMParameter& parameter : declared.getOUTParameters()) {
+        out.push_back(OW::CIMParamValue(OW::CIMName(parameter.getName())));
+    }
+    for (const OW::CIMParameter& parameter : declared.getINParameters()) {
+        OW::CIMParamValue value = takeInput(parameter, given);
         if (parameter.hasTrueQualifier(OW::CIMName("Out"))) {
             for (OW::CIMParamValue& o : out) {
                 if (o.getName() == parameter.getName()) o.setValue(value.getValue());
@@ -746,16 +733,19 @@ void OperationDispatcher::runExtrinsic(const CimRequest& request, Context& conte
     if (!given.empty()) {
         throwCim(CIMException::INVALID_PARAMETER, "Unknown or duplicate parameter: " + text(given.front().getName()));
     }
-    OW::CIMValue result =
-        provider->invokeMethod(context.env, context.ns(), path, String(request.methodName.c_str()), in, out);
+}
+
+// The return value goes out as the provider typed it, without PARAMTYPE;
+// every output parameter goes out in its declared type, a NULL one without
+// a value.
+void writeMethodResult(XmlWriter& xml, const OW::CIMValue& result, const OW::CIMParameterArray& outputs,
+                       OW::CIMParamValueArray& out) {
     for (size_t i = 0; i < outputs.size(); ++i) {
         OW::CIMValue v = out[i].getValue();
         if (v && v.getType() != outputs[i].getType().getType()) {
             out[i].setValue(OW::CIMValueCast::castValueToDataType(v, outputs[i].getType()));
         }
     }
-    // The return value goes out as the provider typed it, without PARAMTYPE;
-    // every output parameter goes out, a NULL one without a value.
     if (result) {
         xml.start("RETURNVALUE");
         writeValue(xml, result);
@@ -771,6 +761,46 @@ void OperationDispatcher::runExtrinsic(const CimRequest& request, Context& conte
         }
         xml.end("PARAMVALUE");
     }
+}
+
+}  // namespace
+
+OW::CIMObjectPath OperationDispatcher::methodTarget(const CimRequest& request, Context& context,
+                                                    const ClassDefinition& cls) {
+    OW::CIMObjectPath path = request.target.isClassPath
+                                 ? OW::CIMObjectPath(OW::CIMName(String(request.target.className.c_str())),
+                                                     context.ns())
+                                 : objectPathFromText(request.target, context.nameSpace, &cls);
+    syncPath(path, cls);
+    // A method on an instance needs the instance: any CIM error of the
+    // provider's getInstance means it is not there.
+    if (!path.getKeys().empty()) {
+        try {
+            providerGetInstance(context, cls, path, false, true, true, nullptr);
+        } catch (const CIMException&) {
+            throwCim(CIMException::NOT_FOUND, "Instance not found: " + text(path.toString()));
+        }
+    }
+    return path;
+}
+
+void OperationDispatcher::runExtrinsic(const CimRequest& request, Context& context, XmlWriter& xml) {
+    const ClassDefinition& cls = requireClass(context.nameSpace, request.target.className, CIMException::NOT_FOUND,
+                                              classPathText(context.nameSpace, request.target.className));
+    OW::CIMObjectPath path = methodTarget(request, context, cls);
+    const MethodDefinition* method = cls.findMethod(request.methodName);
+    if (!method) throwCim(CIMException::METHOD_NOT_FOUND, request.methodName);
+    OW::CppMethodProviderIFC* provider = isBound(method->qualifiers) || isBound(cls.qualifiers)
+                                             ? providerFor(context).methodProvider()
+                                             : nullptr;
+    if (!provider) throwCim(CIMException::NOT_FOUND, "No provider for method " + request.methodName);
+    OW::CIMMethod declared = apiClass(cls).getMethod(OW::CIMName(String(method->name.c_str())));
+    OW::CIMParamValueArray in;
+    OW::CIMParamValueArray out;
+    matchParameters(declared, givenParameters(request, context.nameSpace, classes_), in, out);
+    OW::CIMValue result =
+        provider->invokeMethod(context.env, context.ns(), path, String(request.methodName.c_str()), in, out);
+    writeMethodResult(xml, result, declared.getOUTParameters(), out);
 }
 
 }  // namespace cimhost

@@ -48,6 +48,9 @@ private:
     // RETURNVALUE/PARAMVALUE) and throws CIMException for CIM errors.
     void runIntrinsic(const CimRequest& request, Context& context, XmlWriter& xml);
     void runExtrinsic(const CimRequest& request, Context& context, XmlWriter& xml);
+    // The object a method is invoked on; CIM_ERR_NOT_FOUND when it names an
+    // instance the provider does not have.
+    OpenWBEM::CIMObjectPath methodTarget(const CimRequest& request, Context& context, const ClassDefinition& cls);
 
     void enumerateClassNames(const CimRequest& request, XmlWriter& xml);
     void enumerateClasses(const CimRequest& request, XmlWriter& xml);
