@@ -311,6 +311,16 @@ class EquivalentList(unittest.TestCase):
                 self.assertEqual(warnings, ["mutate: the line of listed mutant %s:3:int:0 has "
                                             "changed; entry ignored" % self.FILE])
 
+    def test_entry_with_index_star_covers_the_operators_mutants_on_its_line(self):
+        mark = mutate.line_mark(self.lines, 3)
+        with open(os.path.join(self.root, mutate.EQUIVALENTS), "a") as f:
+            f.write("%s:4:del:* %s g has no effect\n" % (self.FILE, mark))
+        listed = self.listed()[0]
+        reasons = [mutate.listed_reason(listed, self.FILE + ident)
+                   for ident in (":4:del:0", ":4:del:3", ":4:int:0", ":3:int:0", ":3:int:1")]
+        self.assertEqual(reasons, ["g has no effect", "g has no effect", None,
+                                   "n is never read", None])
+
     def test_indentation_does_not_change_the_mark(self):
         self.write(["int a;", "void f() {", "    n = 1;", "    g();", "}", ""])
         self.assertEqual(self.listed()[0], {self.FILE + ":3:int:0": "n is never read"})
@@ -380,6 +390,7 @@ class ModuleMutants(unittest.TestCase):
         stderr = io.StringIO()
         with redirect_stderr(stderr):
             listed = mutate.read_equivalents(root, lambda text: print(text, file=stderr))
+        ids += [i.rsplit(":", 1)[0] + ":*" for i in ids]
         self.assertEqual(sorted(set(listed) - set(ids)), [])
 
 
