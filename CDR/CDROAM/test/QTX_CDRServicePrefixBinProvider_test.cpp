@@ -83,6 +83,32 @@ TEST_F(PrefixBinProviderTest, EnumerationYieldsTheEightRowsInKeyOrderWithTheirDi
   }
 }
 
+// A row whose PrefixBin getter fails without touching its value.
+class UnreadableRow : public QTX_CDRServicePrefixBinImpl {
+ public:
+  using QTX_CDRServicePrefixBinImpl::QTX_CDRServicePrefixBinImpl;
+  int getPrefixBin(std::string&, OW::Array<OW::CIMQualifier>&) const override { return 100; }
+};
+
+// One instance is filled row after row: a row whose getter fails shows the
+// PrefixBin of the row before it, not an absent one.
+TEST_F(PrefixBinProviderTest, ARowWhoseGetterFailsKeepsThePreviousRowsValueInAnEnumeration) {
+  rows.clear();
+  rows.emplace_back(new QTX_CDRServicePrefixBinImpl("CDRServicePrefixBin_0", 0));
+  rows.emplace_back(new UnreadableRow("CDRServicePrefixBin_1", 1));
+  Bytes bytes(64, 12);
+  std::fill_n(bytes.begin(), 3, 7);  // row 0: 777
+  store(bytes);
+  cdrtest::InstanceCollector instances;
+  provider.enumInstances(environment, kNamespace, kClass, instances, F::E_NOT_LOCAL_ONLY, F::E_DEEP,
+                         F::E_EXCLUDE_QUALIFIERS, F::E_EXCLUDE_CLASS_ORIGIN, nullptr, OW::CIMClass(),
+                         OW::CIMClass());
+  ASSERT_EQ(2u, instances.items.size());
+  EXPECT_EQ("777", propertyText(instances.items[0], "PrefixBin"));
+  EXPECT_EQ("777", propertyText(instances.items[1], "PrefixBin"));
+  EXPECT_EQ("CDRServicePrefixBin_1", propertyText(instances.items[1], "InstanceID"));
+}
+
 TEST_F(PrefixBinProviderTest, AnUnreadableEntryLeavesPrefixBinOutAndIsLogged) {
   OW::CIMInstance instance =
       provider.getInstance(environment, kNamespace, path("CDRServicePrefixBin_3"), F::E_NOT_LOCAL_ONLY,
