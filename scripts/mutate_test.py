@@ -394,5 +394,17 @@ class ModuleMutants(unittest.TestCase):
         self.assertEqual(sorted(set(listed) - set(ids)), [])
 
 
+class Runner(unittest.TestCase):
+    def test_output_that_is_not_utf8_is_kept_not_fatal(self):
+        # A mutant may make a test print any bytes.
+        status, out = mutate.Runner().run(["printf", "before \\321 after"], 10)
+        self.assertEqual(0, status)
+        self.assertEqual("before \ufffd after", out)
+
+    def test_a_run_over_its_time_is_cut(self):
+        status, _ = mutate.Runner().run(["sleep", "5"], 0.2)
+        self.assertIsNone(status)
+
+
 if __name__ == "__main__":
     unittest.main()
