@@ -4,6 +4,7 @@
 #include "OW_ArrayFwd.hpp"
 #include "OW_Exception.hpp"
 #include "OW_CommonFwd.hpp"
+#include <algorithm>
 #include <vector>
 #include <memory>
 
@@ -17,6 +18,10 @@ void throwArrayOutOfBoundsException(size_t size, size_t idx);
 
 /// Copy-on-write array: copies share the elements until one of them changes.
 /// operator[] and remove() check the index and throw OutOfBoundsException.
+/// An empty array holds no storage until something is added, so the many
+/// empty qualifier and key arrays of CIM objects cost no allocation. (No
+/// function-local static here: it would be a unique symbol, and a provider
+/// library holding one is never unloaded.)
 template<class T> class Array
 {
 	typedef std::vector<T> V;
@@ -33,7 +38,7 @@ public:
 	typedef typename V::reverse_iterator reverse_iterator;
 	typedef typename V::const_reverse_iterator const_reverse_iterator;
 
-	Array() : m_impl(std::make_shared<V>()) {}
+	Array() {}
 	~Array() {}
 	explicit Array(V* toWrap) : m_impl(toWrap) {}
 	explicit Array(size_type n) : m_impl(std::make_shared<V>(n)) {}
@@ -44,25 +49,25 @@ public:
 		: m_impl(std::make_shared<V>(first, last)) {}
 
 	iterator begin() { return mut().begin(); }
-	const_iterator begin() const { return m_impl->begin(); }
+	const_iterator begin() const { return m_impl ? m_impl->cbegin() : const_iterator(); }
 	iterator end() { return mut().end(); }
-	const_iterator end() const { return m_impl->end(); }
+	const_iterator end() const { return m_impl ? m_impl->cend() : const_iterator(); }
 	reverse_iterator rbegin() { return mut().rbegin(); }
-	const_reverse_iterator rbegin() const { return m_impl->rbegin(); }
+	const_reverse_iterator rbegin() const { return const_reverse_iterator(end()); }
 	reverse_iterator rend() { return mut().rend(); }
-	const_reverse_iterator rend() const { return m_impl->rend(); }
-	size_type size() const { return m_impl->size(); }
-	size_type max_size() const { return m_impl->max_size(); }
-	size_type capacity() const { return m_impl->capacity(); }
-	bool empty() const { return m_impl->empty(); }
+	const_reverse_iterator rend() const { return const_reverse_iterator(begin()); }
+	size_type size() const { return m_impl ? m_impl->size() : 0; }
+	size_type max_size() const { return V().max_size(); }
+	size_type capacity() const { return m_impl ? m_impl->capacity() : 0; }
+	bool empty() const { return size() == 0; }
 	reference operator[](size_type n) { checkIndex(n); return mut()[n]; }
 	const_reference operator[](size_type n) const { checkIndex(n); return (*m_impl)[n]; }
 	Array<T>& operator+=(const T& x) { mut().push_back(x); return *this; }
 	void reserve(size_type n) { mut().reserve(n); }
 	reference front() { return mut().front(); }
-	const_reference front() const { return m_impl->front(); }
+	const_reference front() const { return *begin(); }
 	reference back() { return mut().back(); }
-	const_reference back() const { return m_impl->back(); }
+	const_reference back() const { return *(end() - 1); }
 	void push_back(const T& x) { mut().push_back(x); }
 	void append(const T& x) { mut().push_back(x); }
 	void swap(Array<T>& x) { m_impl.swap(x.m_impl); }
@@ -89,7 +94,7 @@ public:
 	{
 		Array<T> keep(x);
 		V& v = mut();
-		v.insert(v.end(), keep.m_impl->begin(), keep.m_impl->end());
+		v.insert(v.end(), keep.begin(), keep.end());
 	}
 	void pop_back() { mut().pop_back(); }
 	iterator erase(iterator position) { return mut().erase(position); }
@@ -98,12 +103,22 @@ public:
 	void resize(size_type new_size) { mut().resize(new_size); }
 	void clear() { mut().clear(); }
 
-	friend bool operator==(const Array<T>& x, const Array<T>& y) { return *x.m_impl == *y.m_impl; }
-	friend bool operator<(const Array<T>& x, const Array<T>& y) { return *x.m_impl < *y.m_impl; }
+	friend bool operator==(const Array<T>& x, const Array<T>& y)
+	{
+		return x.size() == y.size() && std::equal(x.begin(), x.end(), y.begin());
+	}
+	friend bool operator<(const Array<T>& x, const Array<T>& y)
+	{
+		return std::lexicographical_compare(x.begin(), x.end(), y.begin(), y.end());
+	}
 private:
 	V& mut()
 	{
-		if (m_impl.use_count() > 1)
+		if (!m_impl)
+		{
+			m_impl = std::make_shared<V>();
+		}
+		else if (m_impl.use_count() > 1)
 		{
 			m_impl = std::make_shared<V>(*m_impl);
 		}
@@ -111,9 +126,9 @@ private:
 	}
 	void checkIndex(size_type index) const
 	{
-		if (index >= m_impl->size())
+		if (index >= size())
 		{
-			throwArrayOutOfBoundsException(m_impl->size(), index);
+			throwArrayOutOfBoundsException(size(), index);
 		}
 	}
 	std::shared_ptr<V> m_impl;

@@ -57,15 +57,25 @@ CIMDataType::CIMDataType() : m_pdata(new DTData) {}
 
 CIMDataType::CIMDataType(CIMNULL_t) {}
 
-CIMDataType::CIMDataType(Type type) : m_pdata(new DTData)
+CIMDataType::CIMDataType(Type type)
 {
-	if (!isValidType(type))
+	// Every value and property carries its type: the scalar types share one
+	// data each, copied on the first change like any other.
+	static const COWIntrusiveReference<DTData>* const scalars = []
 	{
-		type = type == CIMNULL ? CIMNULL : INVALID;
-	}
-	m_pdata->m_type = type;
-	m_pdata->m_numberOfElements = isValidType(type) ? 1 : 0;
-	m_pdata->m_sizeRange = SIZE_SINGLE;
+		// One more for INVALID.
+		COWIntrusiveReference<DTData>* made = new COWIntrusiveReference<DTData>[MAXDATATYPE + 1];
+		for (int t = 0; t <= MAXDATATYPE; ++t)
+		{
+			made[t] = COWIntrusiveReference<DTData>(new DTData);
+			DTData& data = *made[t];
+			data.m_type = isValidType(Type(t)) ? Type(t) : t == CIMNULL ? CIMNULL : INVALID;
+			data.m_numberOfElements = isValidType(Type(t)) ? 1 : 0;
+			data.m_sizeRange = SIZE_SINGLE;
+		}
+		return made;
+	}();
+	m_pdata = isValidType(type) || type == CIMNULL ? scalars[type] : scalars[MAXDATATYPE];
 }
 
 CIMDataType::CIMDataType(Type type, Int32 size) : m_pdata(new DTData)

@@ -98,52 +98,60 @@ template <class T> T checkedUnsigned(const String& s, int base, const char* type
 	}
 	return r;
 }
+
+// An integer in decimal, as printf's %d and %u give it.
+String decimal(UInt64 magnitude, bool negative)
+{
+	char buf[24];
+	char* p = buf + sizeof(buf);
+	*--p = '\0';
+	do
+	{
+		*--p = char('0' + magnitude % 10);
+		magnitude /= 10;
+	} while (magnitude != 0);
+	if (negative)
+	{
+		*--p = '-';
+	}
+	return String(p);
+}
+
+UInt64 magnitude(Int64 val) { return val < 0 ? UInt64(0) - UInt64(val) : UInt64(val); }
 } // end unnamed namespace
 
 String::String() {}
 
 String::String(Int32 val)
 {
-	char buf[32];
-	std::snprintf(buf, sizeof(buf), "%d", val);
-	*this = String(buf);
+	*this = decimal(magnitude(val), val < 0);
 }
 
 String::String(UInt32 val)
 {
-	char buf[32];
-	std::snprintf(buf, sizeof(buf), "%u", val);
-	*this = String(buf);
+	*this = decimal(val, false);
 }
 
 #if defined(OW_INT32_IS_INT) && defined(OW_INT64_IS_LONG_LONG)
 String::String(long val)
 {
-	char buf[32];
-	std::snprintf(buf, sizeof(buf), "%ld", val);
-	*this = String(buf);
+	*this = decimal(magnitude(val), val < 0);
 }
 
 String::String(unsigned long val)
 {
-	char buf[32];
-	std::snprintf(buf, sizeof(buf), "%lu", val);
-	*this = String(buf);
+	*this = decimal(val, false);
 }
 #endif
 
 String::String(Int64 val)
 {
-	char buf[32];
-	std::snprintf(buf, sizeof(buf), "%lld", static_cast<long long>(val));
-	*this = String(buf);
+	*this = decimal(magnitude(val), val < 0);
 }
 
 String::String(UInt64 val)
 {
-	char buf[32];
-	std::snprintf(buf, sizeof(buf), "%llu", static_cast<unsigned long long>(val));
-	*this = String(buf);
+	*this = decimal(val, false);
 }
 
 String::String(Real32 val)
