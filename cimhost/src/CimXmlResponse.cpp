@@ -9,6 +9,8 @@
 
 #include "CimValues.hpp"
 
+#include <charconv>
+
 namespace cimhost {
 namespace {
 
@@ -64,6 +66,27 @@ void writeApiQualifier(XmlWriter& xml, const OW::CIMQualifier& q) {
     xml.end("QUALIFIER");
 }
 
+// An integer or boolean scalar, written as CIMValue::toString() gives it
+// without building the String; false for the other types.
+bool writeNumber(XmlWriter& xml, const CIMValue& value) {
+    char digits[24];
+    char* end = nullptr;
+    switch (value.getType()) {
+        case CIMDataType::BOOLEAN: xml.leaf("VALUE", value.toBool() ? "true" : "false"); return true;
+        case CIMDataType::UINT8: end = std::to_chars(digits, digits + sizeof digits, value.toUInt8()).ptr; break;
+        case CIMDataType::SINT8: end = std::to_chars(digits, digits + sizeof digits, value.toInt8()).ptr; break;
+        case CIMDataType::UINT16: end = std::to_chars(digits, digits + sizeof digits, value.toUInt16()).ptr; break;
+        case CIMDataType::SINT16: end = std::to_chars(digits, digits + sizeof digits, value.toInt16()).ptr; break;
+        case CIMDataType::UINT32: end = std::to_chars(digits, digits + sizeof digits, value.toUInt32()).ptr; break;
+        case CIMDataType::SINT32: end = std::to_chars(digits, digits + sizeof digits, value.toInt32()).ptr; break;
+        case CIMDataType::UINT64: end = std::to_chars(digits, digits + sizeof digits, value.toUInt64()).ptr; break;
+        case CIMDataType::SINT64: end = std::to_chars(digits, digits + sizeof digits, value.toInt64()).ptr; break;
+        default: return false;
+    }
+    xml.start("VALUE").raw(std::string_view(digits, end - digits)).end("VALUE");
+    return true;
+}
+
 }  // namespace
 
 bool OutputFilter::shows(const std::string& propertyName) const {
@@ -99,8 +122,9 @@ void writeValue(XmlWriter& xml, const CIMValue& value) {
         return;
     }
     if (!value.isArray() && value.getType() != CIMDataType::DATETIME) {
+        if (writeNumber(xml, value)) return;
         OW::String text = value.toString();
-        xml.leaf("VALUE", text.c_str());
+        xml.leaf("VALUE", std::string_view(text.c_str(), text.length()));
         return;
     }
     std::vector<std::string> texts = valueTexts(value);

@@ -110,21 +110,21 @@ bool OperationDispatcher::isBound(const std::vector<Qualifier>& qualifiers) cons
 }
 
 const ClassDefinition& OperationDispatcher::requireClass(const std::string& nameSpace, const std::string& className,
-                                                         CIMException::ErrNoType code, const std::string& message) const {
+                                                         CIMException::ErrNoType code, MissingClassText named) const {
     const ClassDefinition* cls = classesIn(nameSpace).findClass(className);
     if (!cls) {
         // owcimomd's repository finds a class in a namespace spelled in
         // another case, but a class it does not find there makes it look the
         // namespace up as spelled.
         requireExactNameSpace(nameSpace);
-        throwCim(code, message);
+        throwCim(code, named == MissingClassText::Path ? classPathText(nameSpace, className) : className);
     }
     return *cls;
 }
 
 const ClassDefinition& OperationDispatcher::requireInstanceClass(const std::string& className,
                                                                  const Context& context) const {
-    return requireClass(context.nameSpace, className, CIMException::INVALID_CLASS, classPathText(context.nameSpace, className));
+    return requireClass(context.nameSpace, className, CIMException::INVALID_CLASS, MissingClassText::Path);
 }
 
 LoadedProvider& OperationDispatcher::providerFor(Context& context) const {
@@ -390,7 +390,7 @@ std::vector<const ClassDefinition*> selectClasses(const ClassRepository& classes
 void OperationDispatcher::enumerateClassNames(const CimRequest& request, XmlWriter& xml) {
     std::optional<std::string> root = request.classNameParam("ClassName");
     if (root && root->empty()) root.reset();  // the repository's top, as no ClassName
-    if (root) requireClass(request.nameSpace, *root, CIMException::INVALID_CLASS, *root);
+    if (root) requireClass(request.nameSpace, *root, CIMException::INVALID_CLASS, MissingClassText::Name);
     else requireExactNameSpace(request.nameSpace);
     bool deep = request.booleanParam("DeepInheritance").value_or(false);
     xml.start("IRETURNVALUE");
@@ -403,7 +403,7 @@ void OperationDispatcher::enumerateClassNames(const CimRequest& request, XmlWrit
 void OperationDispatcher::enumerateClasses(const CimRequest& request, XmlWriter& xml) {
     std::optional<std::string> root = request.classNameParam("ClassName");
     if (root && root->empty()) root.reset();  // the repository's top, as no ClassName
-    if (root) requireClass(request.nameSpace, *root, CIMException::INVALID_CLASS, *root);
+    if (root) requireClass(request.nameSpace, *root, CIMException::INVALID_CLASS, MissingClassText::Name);
     else requireExactNameSpace(request.nameSpace);
     bool deep = request.booleanParam("DeepInheritance").value_or(false);
     OutputFilter filter;
@@ -419,7 +419,7 @@ void OperationDispatcher::getClass(const CimRequest& request, Context& context, 
     std::optional<std::string> name = request.classNameParam("ClassName");
     if (!name) missingParameter("ClassName");
     const ClassDefinition& cls =
-        requireClass(context.nameSpace, *name, CIMException::NOT_FOUND, classPathText(context.nameSpace, *name));
+        requireClass(context.nameSpace, *name, CIMException::NOT_FOUND, MissingClassText::Path);
     OutputFilter filter;
     filter.localOnly = request.booleanParam("LocalOnly").value_or(true);
     filter.includeQualifiers = request.booleanParam("IncludeQualifiers").value_or(true);
@@ -436,7 +436,7 @@ void OperationDispatcher::deleteClass(const CimRequest& request, Context& contex
     std::optional<std::string> name = request.classNameParam("ClassName");
     if (!name) missingParameter("ClassName");
     const ClassDefinition& cls =
-        requireClass(context.nameSpace, *name, CIMException::NOT_FOUND, classPathText(context.nameSpace, *name));
+        requireClass(context.nameSpace, *name, CIMException::NOT_FOUND, MissingClassText::Path);
     throwCim(CIMException::NOT_SUPPORTED, "the classes of this host cannot be deleted: " + cls.name);
 }
 
@@ -654,7 +654,7 @@ void OperationDispatcher::associations(const CimRequest& request, Context& conte
     std::optional<InstanceNameText> objectName = request.objectNameParam("ObjectName");
     if (!objectName) missingParameter("ObjectName");
     auto lookUp = [&](const std::string& name) -> const ClassDefinition& {
-        return requireClass(context.nameSpace, name, CIMException::NOT_FOUND, classPathText(context.nameSpace, name));
+        return requireClass(context.nameSpace, name, CIMException::NOT_FOUND, MissingClassText::Path);
     };
     auto requireAssociation = [&](const std::optional<std::string>& name) {
         if (!name || name->empty()) return;
@@ -668,7 +668,7 @@ void OperationDispatcher::associations(const CimRequest& request, Context& conte
     std::optional<std::string> resultClass = request.classNameParam("ResultClass");
     if (associators) {
         requireAssociation(request.classNameParam("AssocClass"));
-        if (resultClass && !resultClass->empty()) requireClass(request.nameSpace, *resultClass, CIMException::INVALID_CLASS, *resultClass);
+        if (resultClass && !resultClass->empty()) requireClass(request.nameSpace, *resultClass, CIMException::INVALID_CLASS, MissingClassText::Name);
     } else {
         requireAssociation(resultClass);
     }
@@ -786,7 +786,7 @@ OW::CIMObjectPath OperationDispatcher::methodTarget(const CimRequest& request, C
 
 void OperationDispatcher::runExtrinsic(const CimRequest& request, Context& context, XmlWriter& xml) {
     const ClassDefinition& cls = requireClass(context.nameSpace, request.target.className, CIMException::NOT_FOUND,
-                                              classPathText(context.nameSpace, request.target.className));
+                                              MissingClassText::Path);
     OW::CIMObjectPath path = methodTarget(request, context, cls);
     const MethodDefinition* method = cls.findMethod(request.methodName);
     if (!method) throwCim(CIMException::METHOD_NOT_FOUND, request.methodName);

@@ -75,11 +75,13 @@ private:
     void requireExactNameSpace(const std::string& nameSpace) const;
     // The classes of a namespace: the MOF's in the served one, none in those above it.
     const ClassRepository& classesIn(const std::string& nameSpace) const;
+    // How a missing class is named in its CIM error: as given, or as the
+    // object path of the class in the namespace.
+    enum class MissingClassText { Name, Path };
     // The class of a name in a namespace, ignoring case; else CIM error
-    // `code` with `message`.
+    // `code` naming the class as `named` says.
     const ClassDefinition& requireClass(const std::string& nameSpace, const std::string& className,
-                                        OpenWBEM::CIMException::ErrNoType code,
-                                        const std::string& message) const;
+                                        OpenWBEM::CIMException::ErrNoType code, MissingClassText named) const;
     // As instance operations look a class up: CIM_ERR_INVALID_CLASS.
     const ClassDefinition& requireInstanceClass(const std::string& className, const Context& context) const;
     // The module's provider for this request, loaded again if it was

@@ -75,7 +75,7 @@ public:
         out_ += '>';
         return *this;
     }
-    XmlWriter& raw(const std::string& markup) {
+    XmlWriter& raw(std::string_view markup) {
         out_ += markup;
         return *this;
     }
@@ -88,8 +88,16 @@ public:
     // Escapes &, <, > and carriage returns always, and ", line feeds and tabs
     // inside attributes, as owcimomd does where a parser would change them.
     static void appendEscaped(std::string& out, std::string_view content, bool attribute) {
+        // Most texts have nothing to escape: find the first character that
+        // may need it before going character by character.
+        size_t at = 0;
+        while (at < content.size() && !mayEscape(content[at])) ++at;
+        if (at == content.size()) {
+            out += content;
+            return;
+        }
         size_t done = 0;
-        for (size_t at = 0; at < content.size(); ++at) {
+        for (; at < content.size(); ++at) {
             const char* replacement = nullptr;
             switch (content[at]) {
                 case '&': replacement = "&amp;"; break;
@@ -116,6 +124,10 @@ public:
     }
 
 private:
+    static bool mayEscape(char c) {
+        return c == '&' || c == '<' || c == '>' || c == '"' || static_cast<unsigned char>(c) < 0x20;
+    }
+
     template <class Attributes>
     void writeAttributes(const Attributes& attributes) {
         for (const auto& [name, value] : attributes) {
