@@ -12,10 +12,12 @@ std::string lowerCase(std::string text) {
     return text;
 }
 
+// CIM names compare ASCII letters without case (the host never sets a
+// locale, so this is what tolower does, without a call per character).
 bool namesEqual(std::string_view a, std::string_view b) {
-    return a.size() == b.size() &&
-           std::equal(a.begin(), a.end(), b.begin(), [](unsigned char x, unsigned char y) {
-               return std::tolower(x) == std::tolower(y);
+    auto lower = [](unsigned char c) { return c >= 'A' && c <= 'Z' ? c | 0x20 : c; };
+    return a.size() == b.size() && std::equal(a.begin(), a.end(), b.begin(), [&](unsigned char x, unsigned char y) {
+               return x == y || lower(x) == lower(y);
            });
 }
 

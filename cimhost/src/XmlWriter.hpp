@@ -12,37 +12,37 @@
 namespace cimhost {
 
 // Attributes of one call; the texts must outlive it.
-using XmlAttributes = std::initializer_list<std::pair<const char*, std::string_view>>;
+using XmlAttributes = std::initializer_list<std::pair<std::string_view, std::string_view>>;
 // Attributes collected at run time.
-using XmlAttributeList = std::vector<std::pair<const char*, std::string>>;
+using XmlAttributeList = std::vector<std::pair<std::string_view, std::string>>;
 
 class XmlWriter {
 public:
     // Room for a typical answer, so that writing it seldom reallocates.
     XmlWriter() { out_.reserve(8192); }
 
-    XmlWriter& start(const char* name, XmlAttributes attributes = {}) {
+    XmlWriter& start(std::string_view name, XmlAttributes attributes = {}) {
         out_ += '<';
         out_ += name;
         writeAttributes(attributes);
         out_ += '>';
         return *this;
     }
-    XmlWriter& start(const char* name, const XmlAttributeList& attributes) {
+    XmlWriter& start(std::string_view name, const XmlAttributeList& attributes) {
         out_ += '<';
         out_ += name;
         writeAttributes(attributes);
         out_ += '>';
         return *this;
     }
-    XmlWriter& end(const char* name) {
+    XmlWriter& end(std::string_view name) {
         out_ += "</";
         out_ += name;
         out_ += '>';
         return *this;
     }
     // Only for CLASSNAME, NAMESPACE and ERROR.
-    XmlWriter& selfClosed(const char* name, XmlAttributes attributes = {}) {
+    XmlWriter& selfClosed(std::string_view name, XmlAttributes attributes = {}) {
         out_ += '<';
         out_ += name;
         writeAttributes(attributes);
@@ -54,16 +54,16 @@ public:
         return *this;
     }
     // <name attrs>content</name>
-    XmlWriter& leaf(const char* name, std::string_view content, XmlAttributes attributes = {}) {
+    XmlWriter& leaf(std::string_view name, std::string_view content, XmlAttributes attributes = {}) {
         return start(name, attributes).text(content).end(name);
     }
     // A start tag written piece by piece: open, any attributes, close.
-    XmlWriter& open(const char* name) {
+    XmlWriter& open(std::string_view name) {
         out_ += '<';
         out_ += name;
         return *this;
     }
-    XmlWriter& attribute(const char* name, std::string_view value) {
+    XmlWriter& attribute(std::string_view name, std::string_view value) {
         out_ += ' ';
         out_ += name;
         out_ += "=\"";
