@@ -101,7 +101,12 @@ public:
 	iterator erase(iterator first, iterator last) { return mut().erase(first, last); }
 	void resize(size_type new_size, const T& x) { mut().resize(new_size, x); }
 	void resize(size_type new_size) { mut().resize(new_size); }
-	void clear() { mut().clear(); }
+	void clear()
+	{
+		// Nothing to copy for an array that is to be empty.
+		if (m_impl.use_count() > 1) m_impl.reset();
+		else if (m_impl) m_impl->clear();
+	}
 
 	friend bool operator==(const Array<T>& x, const Array<T>& y)
 	{
