@@ -474,6 +474,10 @@ Answer HttpServer::Impl::answerCimCall(const Request& request, const std::string
     return answer;
 }
 
+int ServerLimits::defaultThreads() {
+    return static_cast<int>(std::clamp(std::thread::hardware_concurrency(), 2u, 4u));
+}
+
 HttpServer::HttpServer(RequestHandler& handler, const Authenticator* authenticator, HostLog& log,
                        ServerLimits limits)
     : impl_(std::make_unique<Impl>(handler, authenticator, log, limits)) {}
