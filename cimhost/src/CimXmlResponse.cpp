@@ -70,17 +70,18 @@ void writeApiQualifier(XmlWriter& xml, const OW::CIMQualifier& q) {
 // without building the String; false for the other types.
 bool writeNumber(XmlWriter& xml, const CIMValue& value) {
     char digits[24];
+    auto written = [&](auto number) { return std::to_chars(digits, digits + sizeof digits, number).ptr; };
     char* end = nullptr;
     switch (value.getType()) {
         case CIMDataType::BOOLEAN: xml.leaf("VALUE", value.toBool() ? "true" : "false"); return true;
-        case CIMDataType::UINT8: end = std::to_chars(digits, digits + sizeof digits, value.toUInt8()).ptr; break;
-        case CIMDataType::SINT8: end = std::to_chars(digits, digits + sizeof digits, value.toInt8()).ptr; break;
-        case CIMDataType::UINT16: end = std::to_chars(digits, digits + sizeof digits, value.toUInt16()).ptr; break;
-        case CIMDataType::SINT16: end = std::to_chars(digits, digits + sizeof digits, value.toInt16()).ptr; break;
-        case CIMDataType::UINT32: end = std::to_chars(digits, digits + sizeof digits, value.toUInt32()).ptr; break;
-        case CIMDataType::SINT32: end = std::to_chars(digits, digits + sizeof digits, value.toInt32()).ptr; break;
-        case CIMDataType::UINT64: end = std::to_chars(digits, digits + sizeof digits, value.toUInt64()).ptr; break;
-        case CIMDataType::SINT64: end = std::to_chars(digits, digits + sizeof digits, value.toInt64()).ptr; break;
+        case CIMDataType::UINT8: end = written(value.toUInt8()); break;
+        case CIMDataType::SINT8: end = written(value.toInt8()); break;
+        case CIMDataType::UINT16: end = written(value.toUInt16()); break;
+        case CIMDataType::SINT16: end = written(value.toInt16()); break;
+        case CIMDataType::UINT32: end = written(value.toUInt32()); break;
+        case CIMDataType::SINT32: end = written(value.toInt32()); break;
+        case CIMDataType::UINT64: end = written(value.toUInt64()); break;
+        case CIMDataType::SINT64: end = written(value.toInt64()); break;
         default: return false;
     }
     xml.start("VALUE").raw(std::string_view(digits, end - digits)).end("VALUE");

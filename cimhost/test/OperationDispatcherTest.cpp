@@ -7,6 +7,7 @@
 #include <memory>
 
 #include "CimValues.hpp"
+#include "CimXmlResponse.hpp"
 #include "CimXmlRequest.hpp"
 #include "HostProcess.hpp"
 #include "MofParser.hpp"
@@ -15,6 +16,29 @@ namespace cimhost {
 namespace {
 
 using test::readFile;
+
+// Scalars are written as the API's own text of them, escaped where XML
+// needs it: the integer types at their limits, booleans and strings.
+TEST(ResponseWriting, ScalarValuesAreTheirApiTextEscaped) {
+    const OpenWBEM::CIMValue values[] = {
+        OpenWBEM::CIMValue(OpenWBEM::UInt8(255)),   OpenWBEM::CIMValue(OpenWBEM::Int8(-128)),
+        OpenWBEM::CIMValue(OpenWBEM::UInt16(65535)), OpenWBEM::CIMValue(OpenWBEM::Int16(-32768)),
+        OpenWBEM::CIMValue(OpenWBEM::UInt32(4294967295u)), OpenWBEM::CIMValue(OpenWBEM::Int32(-2147483647 - 1)),
+        OpenWBEM::CIMValue(OpenWBEM::UInt64(18446744073709551615ull)),
+        OpenWBEM::CIMValue(OpenWBEM::Int64(-9223372036854775807ll - 1)), OpenWBEM::CIMValue(true),
+        OpenWBEM::CIMValue(false),  OpenWBEM::CIMValue(OpenWBEM::UInt32(0))};
+    for (const OpenWBEM::CIMValue& value : values) {
+        XmlWriter xml;
+        writeValue(xml, value);
+        EXPECT_EQ(std::string("<VALUE>") + value.toString().c_str() + "</VALUE>", xml.str());
+    }
+    XmlWriter plain;
+    writeValue(plain, OpenWBEM::CIMValue(OpenWBEM::String("0911 plain text")));
+    EXPECT_EQ("<VALUE>0911 plain text</VALUE>", plain.str());
+    XmlWriter escaped;
+    writeValue(escaped, OpenWBEM::CIMValue(OpenWBEM::String("a<b & \"c\"\r")));
+    EXPECT_EQ("<VALUE>a&lt;b &amp; \"c\"&#13;</VALUE>", escaped.str());
+}
 
 std::string call(const std::string& name, const std::string& params, const std::string& ns = "root/cimv2") {
     std::string path;

@@ -47,6 +47,10 @@ TEST(StringBasics, SubstringClipsAndTrimModifiesInPlace)
 TEST(StringBasics, NumbersFormatLikePrintf)
 {
 	EXPECT_STREQ("-5", String(Int32(-5)).c_str());
+	EXPECT_STREQ("0", String(UInt32(0)).c_str());
+	EXPECT_STREQ("-2147483648", String(Int32(-2147483647 - 1)).c_str());
+	EXPECT_STREQ("-9223372036854775808", String(Int64(-9223372036854775807LL - 1)).c_str());
+	EXPECT_STREQ("9223372036854775807", String(Int64(9223372036854775807LL)).c_str());
 	EXPECT_STREQ("18446744073709551615", String(UInt64(~UInt64(0))).c_str());
 	// long and unsigned long: Int64 and UInt64 on LP64, constructors of their
 	// own where long is 32 bits; either way a plain long converts unambiguously.
@@ -158,4 +162,33 @@ TEST(ArrayIndexing, CopiesAreIndependent)
 	b[0] = "y";
 	EXPECT_STREQ("x", a[0].c_str());
 	EXPECT_STREQ("y", b[0].c_str());
+}
+
+// An empty array has no storage of its own: copies, clearing and appending
+// must still behave as copy-on-write.
+TEST(ArrayIndexing, EmptyAndSharedArraysStayIndependent)
+{
+	const StringArray none;
+	EXPECT_TRUE(none.empty());
+	EXPECT_TRUE(none.begin() == none.end());
+	EXPECT_EQ(none, StringArray());
+
+	StringArray grown(none);
+	grown.push_back("x");
+	EXPECT_EQ(0u, none.size());
+	EXPECT_TRUE(none < grown);
+	EXPECT_FALSE(grown < none);
+
+	StringArray shared(grown);
+	shared.clear();
+	EXPECT_EQ(1u, grown.size());
+	EXPECT_EQ(shared, none);
+	shared.push_back("y");
+	EXPECT_STREQ("x", grown[0].c_str());
+
+	grown.appendArray(none);
+	grown.appendArray(shared);
+	ASSERT_EQ(2u, grown.size());
+	EXPECT_STREQ("y", grown.back().c_str());
+	EXPECT_EQ(1u, shared.size());
 }
