@@ -20,12 +20,15 @@ bool validAddress(const char* component, const char* section, const char* key) {
   return validName(component) && validName(section) && validName(key);
 }
 
-// Reads the entry unless a reg-read fault is injected for it.
+// Reads the entry unless a reg-read fault is injected for it; the fault rules'
+// check and the read share one read transaction.
 ZpoStatus readEntry(const char* component, const char* section, const char* key, RegistryEntry* entry) {
   return zpo::withProcessStore([&](RegistryStore& store) -> ZpoStatus {
-    const uint32_t fault = store.injectedFault(FaultOp::kRegRead, component, section, key);
-    if (fault != 0) return fault;
-    return store.read(component, section, key, entry);
+    return store.readTransaction([&]() -> ZpoStatus {
+      const uint32_t fault = store.injectedFault(FaultOp::kRegRead, component, section, key);
+      if (fault != 0) return fault;
+      return store.read(component, section, key, entry);
+    });
   });
 }
 

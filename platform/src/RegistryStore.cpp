@@ -170,6 +170,7 @@ std::unique_ptr<RegistryStore> RegistryStore::open(const std::string& canonicalR
       " ON CONFLICT(component, section, key) DO UPDATE SET kind=excluded.kind, value=excluded.value");
   store->dataVersion_ = prepare("PRAGMA data_version");
   store->begin_ = prepare("BEGIN IMMEDIATE");
+  store->beginRead_ = prepare("BEGIN");
   store->commit_ = prepare("COMMIT");
   store->rollback_ = prepare("ROLLBACK");
   for (const auto& statement : store->statements_) {
@@ -214,6 +215,18 @@ ZpoStatus RegistryStore::writeTransaction(const std::function<ZpoStatus()>& chan
   if (!sqlite3_get_autocommit(db_)) {
     rollback_->step();
     rollback_->reset();
+  }
+  return status;
+}
+
+ZpoStatus RegistryStore::readTransaction(const std::function<ZpoStatus()>& reading) {
+  const int rc = beginRead_->step();
+  beginRead_->reset();
+  if (rc != SQLITE_DONE) return fail("begin");
+  const ZpoStatus status = reading();
+  if (!sqlite3_get_autocommit(db_)) {
+    commit_->step();
+    commit_->reset();
   }
   return status;
 }

@@ -60,6 +60,9 @@ class RegistryStore {
   // Entries. ZPO_ERR_NOT_FOUND when absent, ZPO_ERR_STORAGE on database failure.
   ZpoStatus read(const std::string& component, const std::string& section, const std::string& key,
                  RegistryEntry* entry);
+  // Runs `reading` inside one read transaction: what it reads is one snapshot,
+  // and the database's file locks are taken once for all of it.
+  ZpoStatus readTransaction(const std::function<ZpoStatus()>& reading);
   ZpoStatus write(const RegistryEntry& entry);
   ZpoStatus remove(const std::string& component, const std::string& section, const std::string& key);
   // Entries in name order; an empty component or section selects all.
@@ -107,6 +110,7 @@ class RegistryStore {
   Statement* upsertEntry_ = nullptr;
   Statement* dataVersion_ = nullptr;
   Statement* begin_ = nullptr;
+  Statement* beginRead_ = nullptr;
   Statement* commit_ = nullptr;
   Statement* rollback_ = nullptr;
   std::vector<FaultRule> faults_;
