@@ -51,13 +51,24 @@ int isControlCharacter(char* text) {
   return 0;
 }
 
-CIMQualifier cdrApplicableQualifier(bool applicable) {
+namespace {
+
+CIMQualifier buildApplicableQualifier(bool applicable) {
   CIMQualifierType type("boolean");
   type.setDataType(CIMDataType::BOOLEAN);
   CIMQualifier qualifier(type);
   qualifier.setName("Applicable");
   qualifier.setValue(CIMValue(applicable));
   return qualifier;
+}
+
+}  // namespace
+
+CIMQualifier cdrApplicableQualifier(bool applicable) {
+  // Every property carries one of these two; they are built once and each
+  // instance shares them until it changes its own copy.
+  static const CIMQualifier qualifiers[2] = {buildApplicableQualifier(false), buildApplicableQualifier(true)};
+  return qualifiers[applicable ? 1 : 0];
 }
 
 CIMQualifier cdrValidValueMapQualifier(const Array<UInt32>& values) {

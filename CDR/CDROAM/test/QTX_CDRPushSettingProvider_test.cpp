@@ -102,6 +102,19 @@ TEST_F(PushSettingProviderTest, WithoutScheduledPushOnlyTheTypeApplies) {
     EXPECT_EQ(OW::CIMDataType::BOOLEAN, q.getDefaults().getDataType().getType());
   }
   EXPECT_EQ("<absent>", qualifierText(instance, "InstanceID", "Applicable"));
+
+  // Instances share their qualifiers until one is changed: a caller's change
+  // reaches neither the next instance nor the other properties.
+  OW::CIMProperty changed = instance.getProperty("IPAddress");
+  OW::CIMQualifier mine = changed.getQualifier("Applicable");
+  mine.setValue(OW::CIMValue(true));
+  changed.setQualifier(mine);
+  instance.setProperty(changed);
+  EXPECT_EQ("true", qualifierText(instance, "IPAddress", "Applicable"));
+  EXPECT_EQ("false", qualifierText(instance, "UserName", "Applicable"));
+  OW::CIMInstance next = get();
+  EXPECT_EQ("false", qualifierText(next, "IPAddress", "Applicable"));
+  EXPECT_EQ("false", qualifierText(next, "UserName", "Applicable"));
 }
 
 TEST_F(PushSettingProviderTest, ModifyAppliesTheRequestInOrderAndTheLastScheduleChangeWins) {
