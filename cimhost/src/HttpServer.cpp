@@ -196,12 +196,41 @@ private:
                                 });
     }
 
-    // The deadline runs from the first byte of the request to its last.
+    // What the buffer holds is parsed at once, without a round through the
+    // event loop; only a request not yet whole waits for more bytes. The
+    // deadline runs from the first wait for the rest of a request to its
+    // last byte.
     void readHeader() {
-        lowest().expires_after(timeout(limits_.requestTimeoutSeconds));
+        requestDeadlineSet_ = false;
+        error_code ec;
+        if (parseBuffered(false, ec)) return onHeader(ec);
+        startRequestDeadline();
         http::async_read_header(stream_, buffer_, *parser_, [self = this->shared_from_this()](error_code ec, size_t) {
             self->onHeader(ec);
         });
+    }
+
+    // Feeds the parser the buffered bytes. True when it has the header (with
+    // `whole`, the request) or failed, as ec says; false when it needs more.
+    bool parseBuffered(bool whole, error_code& ec) {
+        parser_->eager(whole);
+        auto done = [this, whole] { return whole ? parser_->is_done() : parser_->is_header_done(); };
+        while (!done() && buffer_.size() > 0) {
+            const size_t used = parser_->put(buffer_.data(), ec);
+            buffer_.consume(used);
+            if (ec == http::error::need_more || (!ec && used == 0)) {
+                ec = {};
+                return false;
+            }
+            if (ec) return true;
+        }
+        return done();
+    }
+
+    void startRequestDeadline() {
+        if (requestDeadlineSet_) return;
+        requestDeadlineSet_ = true;
+        lowest().expires_after(timeout(limits_.requestTimeoutSeconds));
     }
 
     void onHeader(error_code ec) {
@@ -233,11 +262,18 @@ private:
     }
 
     void readBody() {
+        error_code ec;
+        if (parseBuffered(true, ec)) return onBody(ec);
+        startRequestDeadline();
         http::async_read(stream_, buffer_, *parser_, [self = this->shared_from_this()](error_code ec, size_t) {
-            if (ec) return self->failRead(ec);
-            self->lowest().expires_never();
-            self->dispatch();
+            self->onBody(ec);
         });
+    }
+
+    void onBody(error_code ec) {
+        if (ec) return failRead(ec);
+        lowest().expires_never();
+        dispatch();
     }
 
     void failRead(error_code ec) {
@@ -360,6 +396,7 @@ private:
     unsigned version_ = 11;
     bool keepAlive_ = false;
     bool trimAfterReply_ = false;
+    bool requestDeadlineSet_ = false;
     size_t drained_ = 0;
     AcceptedCredentials credentials_;
 };

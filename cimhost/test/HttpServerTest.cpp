@@ -252,6 +252,52 @@ TEST_F(HostOverHttp, CutsATricklingClientAtTheDeadlineAndServesOthersMeanwhile) 
     EXPECT_TRUE(logShows("request not complete within 2 s")) << host->log();
 }
 
+size_t occurrences(const std::string& text, const std::string& part) {
+    size_t count = 0;
+    for (size_t at = text.find(part); at != std::string::npos; at = text.find(part, at + 1)) ++count;
+    return count;
+}
+
+// What has arrived is parsed at once and the rest is waited for: requests
+// sent back to back are answered in turn, a body that follows its head later
+// is read, and a body that trickles after a whole head is cut at the deadline.
+TEST_F(HostOverHttp, ParsesWhatArrivedAndWaitsForTheRestUnderTheDeadline) {
+    start({"--request-timeout", "2"});
+    const std::string body = kEnumerate;
+    const std::string head = postHead("EnumerateInstanceNames", "Accept: application/xml\r\nContent-Length: " +
+                                                                    std::to_string(body.size()) + "\r\n");
+    const std::string request = head + body;
+
+    RawConnection pipelined(host->port());
+    ASSERT_TRUE(pipelined.send(request + request + head));
+    std::string answers = pipelined.receive(300);
+    EXPECT_EQ(occurrences(answers, "HTTP/1.1 200 OK"), 2u) << answers;
+    EXPECT_EQ(occurrences(answers, "<MESSAGE ID=\"3\""), 2u) << answers;
+    ASSERT_TRUE(pipelined.send(body));
+    EXPECT_EQ(occurrences(pipelined.receive(300), "HTTP/1.1 200 OK"), 1u);
+
+    RawConnection split(host->port());
+    const size_t half = head.size() + body.size() / 2;
+    ASSERT_TRUE(split.send(request.substr(0, half)));
+    EXPECT_FALSE(split.readable(200));
+    ASSERT_TRUE(split.send(request.substr(half)));
+    EXPECT_EQ(occurrences(split.receive(300), "HTTP/1.1 200 OK"), 1u);
+
+    RawConnection trickler(host->port());
+    const auto sent = std::chrono::steady_clock::now();
+    ASSERT_TRUE(trickler.send(head));
+    bool cut = false;
+    // One byte every 100 ms: the deadline of 2 s comes long before the last,
+    // and before the 5 s a kept-alive connection may stay quiet.
+    for (size_t i = 0; i < body.size() && !cut; ++i) {
+        cut = !trickler.send(body.substr(i, 1)) || trickler.readable(100);
+    }
+    EXPECT_TRUE(cut);
+    EXPECT_LT(std::chrono::steady_clock::now() - sent, std::chrono::milliseconds(4000));
+    EXPECT_EQ(trickler.receive(1000), "");
+    EXPECT_TRUE(logShows("request not complete within 2 s")) << host->log();
+}
+
 TEST_F(HostOverHttp, AnswersConnectionsOverTheLimitWith503) {
     start({"--max-connections", "2"});
     auto first = std::make_unique<RawConnection>(host->port());
