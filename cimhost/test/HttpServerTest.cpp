@@ -18,8 +18,11 @@ namespace {
 // A client socket that sends exactly what it is given.
 class RawConnection {
 public:
-    explicit RawConnection(int port) {
+    // A receive buffer of `receiveBuffer` bytes (0: the system's) makes the
+    // server wait on a client that reads slowly.
+    explicit RawConnection(int port, int receiveBuffer = 0) {
         fd_ = socket(AF_INET, SOCK_STREAM, 0);
+        if (receiveBuffer > 0) setsockopt(fd_, SOL_SOCKET, SO_RCVBUF, &receiveBuffer, sizeof receiveBuffer);
         sockaddr_in address{};
         address.sin_family = AF_INET;
         address.sin_port = htons(static_cast<uint16_t>(port));
@@ -296,6 +299,38 @@ TEST_F(HostOverHttp, ParsesWhatArrivedAndWaitsForTheRestUnderTheDeadline) {
     EXPECT_LT(std::chrono::steady_clock::now() - sent, std::chrono::milliseconds(4000));
     EXPECT_EQ(trickler.receive(1000), "");
     EXPECT_TRUE(logShows("request not complete within 2 s")) << host->log();
+}
+
+// An answer larger than the socket takes at once is written on as a client
+// that reads slowly takes it, whole and once, and the connection then serves
+// its next request.
+TEST_F(HostOverHttp, WritesALargeAnswerAsASlowClientReadsIt) {
+    const std::string id(3584 * 1024, 'w');
+    const std::string body =
+        "<?xml version=\"1.0\" encoding=\"utf-8\" ?><CIM CIMVERSION=\"2.0\" DTDVERSION=\"2.0\"><MESSAGE ID=\"7\" "
+        "PROTOCOLVERSION=\"1.0\"><SIMPLEREQ><IMETHODCALL NAME=\"GetInstance\"><LOCALNAMESPACEPATH><NAMESPACE "
+        "NAME=\"root\"/><NAMESPACE NAME=\"cimv2\"/></LOCALNAMESPACEPATH><IPARAMVALUE NAME=\"InstanceName\">"
+        "<INSTANCENAME CLASSNAME=\"Test_Widget\"><KEYBINDING NAME=\"Id\"><KEYVALUE VALUETYPE=\"string\">" + id +
+        "</KEYVALUE></KEYBINDING></INSTANCENAME></IPARAMVALUE></IMETHODCALL></SIMPLEREQ></MESSAGE></CIM>";
+    RawConnection slow(host->port(), 4096);
+    ASSERT_TRUE(slow.send(postHead("GetInstance", "Accept: application/xml\r\nContent-Length: " +
+                                                      std::to_string(body.size()) + "\r\n") + body));
+    std::this_thread::sleep_for(std::chrono::milliseconds(300));
+    std::string answer = slow.receive(500);
+    const size_t headEnd = answer.find("\r\n\r\n");
+    ASSERT_NE(headEnd, std::string::npos) << answer.substr(0, 200);
+    const std::string head = answer.substr(0, headEnd);
+    const size_t length = head.find("Content-Length: ");
+    ASSERT_NE(length, std::string::npos) << head;
+    EXPECT_EQ(std::stoul(head.substr(length + 16)), answer.size() - headEnd - 4);
+    EXPECT_EQ(occurrences(answer, "HTTP/1.1 200 OK"), 1u) << head;
+    EXPECT_NE(answer.find("<VALUE>" + id + "</VALUE>"), std::string::npos);
+    EXPECT_EQ(answer.substr(answer.size() - 7), "</CIM>\n");
+
+    ASSERT_TRUE(slow.send(postHead("EnumerateInstanceNames", "Accept: application/xml\r\nContent-Length: " +
+                                                                 std::to_string(std::string(kEnumerate).size()) + "\r\n") +
+                          kEnumerate));
+    EXPECT_EQ(occurrences(slow.receive(300), "HTTP/1.1 200 OK"), 1u);
 }
 
 TEST_F(HostOverHttp, AnswersConnectionsOverTheLimitWith503) {
