@@ -172,9 +172,6 @@ public:
                 self->waitForRequest();
             });
         } else {
-            // Answers are first written without waiting (see reply).
-            error_code ignored;
-            lowest().socket().non_blocking(true, ignored);
             waitForRequest();
         }
     }
@@ -346,34 +343,14 @@ private:
         bool keepAlive = keepAlive_ && !answer.close;
         response->keep_alive(keepAlive);
         response->prepare_payload();
-        auto serializer = std::make_shared<http::response_serializer<http::string_body>>(*response);
-        if constexpr (!kTls) {
-            // An answer the socket takes at once needs no deadline and no
-            // round through the event loop; what it does not take is written
-            // as the client reads, under the write deadline.
-            error_code ec;
-            while (!ec && !serializer->is_done()) http::write_some(lowest().socket(), *serializer, ec);
-            if (serializer->is_done()) return written(keepAlive);
-            if (ec != net::error::would_block && ec != net::error::try_again) return close();
-        }
         lowest().expires_after(timeout(limits_.writeTimeoutSeconds));
-        http::async_write(stream_, *serializer,
-                          [self = this->shared_from_this(), response, serializer, keepAlive](error_code ec, size_t) {
+        http::async_write(stream_, *response,
+                          [self = this->shared_from_this(), response, keepAlive](error_code ec, size_t) {
                               if (ec) return self->close();
-                              self->written(keepAlive);
+                              self->afterReply();
+                              if (!keepAlive) return self->finish();
+                              self->waitForRequest();
                           });
-    }
-
-    void written(bool keepAlive) {
-        afterReply();
-        if (!keepAlive) return finish();
-        // A request already buffered behind this one is taken up from the
-        // event loop, not from inside this call: back-to-back requests
-        // must not nest one call per request.
-        if (buffer_.size() > 0) {
-            return net::post(stream_.get_executor(), [self = this->shared_from_this()] { self->waitForRequest(); });
-        }
-        waitForRequest();
     }
 
     void afterReply() {
