@@ -166,7 +166,18 @@ bool CIMProperty::isReference() const
 
 bool CIMProperty::isKey() const
 {
-	return hasTrueQualifier(CIMQualifier::CIM_QUAL_KEY) || isReference();
+	// Asked of every property an instance is given: the qualifiers are
+	// searched without making a CIMName of "Key" each time.
+	const CIMQualifierArray& qualifiers = m_pdata->m_qualifiers;
+	for (size_t i = 0; i < qualifiers.size(); ++i)
+	{
+		if (qualifiers[i].getName().equalsIgnoreCase(CIMQualifier::CIM_QUAL_KEY))
+		{
+			CIMValue v = qualifiers[i].getValue();
+			return (v && v.getType() == CIMDataType::BOOLEAN && !v.isArray() && bool(v.toBool())) || isReference();
+		}
+	}
+	return isReference();
 }
 
 CIMProperty CIMProperty::filter(WBEMFlags::ELocalOnlyFlag localOnly,

@@ -74,6 +74,23 @@ TEST(CIMPropertyKeys, OnlyABooleanTrueKeyQualifierMakesAKey)
 	EXPECT_TRUE(p.isKey());
 	EXPECT_EQ(1u, p.getQualifiers().size());
 	EXPECT_TRUE(p.getQualifier("KEY"));
+
+	// The name matches in any case, behind other qualifiers; false is no key.
+	CIMProperty q2("Id", CIMValue(String("1")));
+	CIMQualifier other("Description");
+	other.setValue(CIMValue(String("the id")));
+	q2.setQualifier(other);
+	CIMQualifier lower("key");
+	lower.setValue(CIMValue(false));
+	q2.setQualifier(lower);
+	EXPECT_FALSE(q2.isKey());
+	lower.setValue(CIMValue(true));
+	q2.setQualifier(lower);
+	EXPECT_TRUE(q2.isKey());
+
+	// A reference is a key without any qualifier.
+	CIMProperty ref("Antecedent", CIMDataType(CIMName("Test_Widget")));
+	EXPECT_TRUE(ref.isKey());
 }
 
 TEST(CIMPropertyQualifiers, AddQualifierRefusesADuplicate)
