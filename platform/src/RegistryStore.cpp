@@ -223,12 +223,17 @@ ZpoStatus RegistryStore::readTransaction(const std::function<ZpoStatus()>& readi
   const int rc = beginRead_->step();
   beginRead_->reset();
   if (rc != SQLITE_DONE) return fail("begin");
-  const ZpoStatus status = reading();
-  if (!sqlite3_get_autocommit(db_)) {
-    commit_->step();
-    commit_->reset();
-  }
-  return status;
+  // Ends the transaction however `reading` leaves, a throw included: one
+  // left open would refuse every later BEGIN of this connection.
+  struct End {
+    RegistryStore& store;
+    ~End() {
+      if (sqlite3_get_autocommit(store.db_)) return;
+      store.commit_->step();
+      store.commit_->reset();
+    }
+  } end{*this};
+  return reading();
 }
 
 ZpoStatus RegistryStore::read(const std::string& component, const std::string& section,
