@@ -73,8 +73,7 @@ declare -A SIDE_MODULE_US=(
   ["EnumerateInstances QTX_CDRService"]=$(module_cpu enumInstances/QTX_CDRService)
   ["EnumerateInstances QTX_CDRServicePrefixBin"]=$(module_cpu enumInstances/QTX_CDRServicePrefixBin)
   ["EnumerateInstanceNames QTX_CDRServicePrefixBin"]=$(module_cpu enumInstanceNames/QTX_CDRServicePrefixBin)
-  ["ModifyInstance QTX_CDRService DigitsLimit"]=$(awk -v a="$(module_cpu getInstance/QTX_CDRService)" \
-    -v b="$(module_cpu "modifyInstance/QTX_CDRService/one property")" 'BEGIN { print a + b }'))
+  ["ModifyInstance QTX_CDRService DigitsLimit"]=$(module_cpu "getInstance/QTX_CDRService+modifyInstance/QTX_CDRService/one property"))
 
 echo "== side by side: cimhost and owcimomd $VERSION ($SERIES series) =="
 for server in cimhost owcimomd; do side_wrk "$server" 1 0 "${SIDE_REQUESTS[0]#*|}" >/dev/null; done  # warm-up

@@ -255,12 +255,6 @@ TEST_F(HostOverHttp, CutsATricklingClientAtTheDeadlineAndServesOthersMeanwhile) 
     EXPECT_TRUE(logShows("request not complete within 2 s")) << host->log();
 }
 
-size_t occurrences(const std::string& text, const std::string& part) {
-    size_t count = 0;
-    for (size_t at = text.find(part); at != std::string::npos; at = text.find(part, at + 1)) ++count;
-    return count;
-}
-
 // What has arrived is parsed at once and the rest is waited for: requests
 // sent back to back are answered in turn, a body that follows its head later
 // is read, and a body that trickles after a whole head is cut at the deadline.

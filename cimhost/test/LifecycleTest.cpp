@@ -27,12 +27,6 @@ const char* const kServicePath =
 const char* const kPullStatistics = "QTX_CDRPullStatistics.Name=\"CDRPullStatistic\"";
 const char* const kArmedLine = "push task scheduled successfully";
 
-size_t occurrences(const std::string& text, const std::string& what) {
-    size_t count = 0;
-    for (size_t at = text.find(what); at != std::string::npos; at = text.find(what, at + what.size())) ++count;
-    return count;
-}
-
 std::string environment(const char* name) {
     const char* value = std::getenv(name);
     return value ? value : "";
