@@ -57,7 +57,11 @@ class ProviderUnload : public ::testing::Test {
 protected:
     void SetUp() override {
         loadMofFile(CIMHOST_TEST_MOF, classes);
-        module = std::make_unique<ProviderModule>(CIMHOST_TEST_PROVIDER, log);
+        // A copy of its own: a handle another test of this process left open
+        // on the built library would keep it, and its state, in memory.
+        std::filesystem::create_directory(logDir.file("own"));
+        std::filesystem::copy_file(CIMHOST_TEST_PROVIDER, logDir.file("own/TestProvider.so"));
+        module = std::make_unique<ProviderModule>(logDir.file("own/TestProvider.so"), log);
         module->initialize(OpenWBEM::ProviderEnvironmentIFCRef(new HostProviderEnvironment(log, "")));
         dispatcher = std::make_unique<OperationDispatcher>(classes, module.get(), log, "root/cimv2", "127.0.0.1");
     }
