@@ -18,27 +18,11 @@ const std::string kService =
     "CreationClassName=\\\"QTX_CDRService\\\",Name=\\\"CDRService\\\"";
 const std::string kPushSetting = "QTX_CDRPushSetting.InstanceID=\\\"CDRPushSetting\\\"";
 
-// Settings a configured device holds; without them the module leaves the
-// unreadable properties out and wbemcli mi cannot name them.
-const char* const kSeed[] = {
-    "set-binary CDR CDRService FORMAT 01",         "set-binary CDR CDRService TYPE 00",
-    "set-binary CDR CDRService LANG 00",           "set-binary CDR CDRService FILTER 00",
-    "set-binary CDR CDRService 'FEATURE CODE' f912", "set-binary CDR CDRService DATE 00",
-    "set-binary CDR CDRService HEADER 00",         "set-binary CDR CDRService DNIS 00",
-    "set-binary CDR CDRService CONNECT 00",        "set-binary CDR CDRService DIGITSSUPP 00",
-    "set-binary CDR CDRService DIGITSLIMIT 0010",  "set-binary CDR CDRService SCHEDULE 00",
-    "set-binary CDR CDRService FILESIZE 0a",       "set-int CDR CDRService DISKLIMIT 100",
-    "set-binary CDR CDRService NAME 00",           "set-binary CDR CDRService LONGID 00",
-    "set-binary CDR CDRService CALLTYPE 00",       "set-binary CDR CDRService CHARGE 00",
-    "set-binary CDR CDRService SUPERVISE 00",      "set-binary CDR CDRService TIME 00",
-    "set-binary CDR CDRService HOSPITAL 00",
-};
-
 class CdrHost : public ::testing::Test {
 protected:
     void SetUp() override {
         setenv("ZPO_ROOT", external ? external->zpoRoot.c_str() : state.path().c_str(), 1);
-        for (const char* entry : kSeed) ASSERT_EQ(zpo(std::string("reg ") + entry).exitCode, 0) << entry;
+        for (const std::string& entry : deviceSeed()) ASSERT_EQ(zpo("reg " + entry).exitCode, 0) << entry;
         if (external) {
             base = external->url;
             url = base + "/root/cimv2";

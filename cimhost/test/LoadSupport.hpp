@@ -23,24 +23,6 @@
 
 namespace cimhost::test {
 
-// Settings a configured device holds, so that every service property reads.
-inline const std::vector<std::string>& deviceSeed() {
-    static const std::vector<std::string> seed = {
-        "set-binary CDR CDRService FORMAT 01",   "set-binary CDR CDRService TYPE 00",
-        "set-binary CDR CDRService LANG 00",     "set-binary CDR CDRService FILTER 00",
-        "set-binary CDR CDRService 'FEATURE CODE' f912", "set-binary CDR CDRService DATE 00",
-        "set-binary CDR CDRService HEADER 00",   "set-binary CDR CDRService DNIS 00",
-        "set-binary CDR CDRService CONNECT 00",  "set-binary CDR CDRService DIGITSSUPP 00",
-        "set-binary CDR CDRService DIGITSLIMIT 0010", "set-binary CDR CDRService SCHEDULE 00",
-        "set-binary CDR CDRService FILESIZE 0a", "set-int CDR CDRService DISKLIMIT 100",
-        "set-binary CDR CDRService NAME 00",     "set-binary CDR CDRService LONGID 00",
-        "set-binary CDR CDRService CALLTYPE 00", "set-binary CDR CDRService CHARGE 00",
-        "set-binary CDR CDRService SUPERVISE 00", "set-binary CDR CDRService TIME 00",
-        "set-binary CDR CDRService HOSPITAL 00", "set-binary CDR CDRPush TransferType 00",
-    };
-    return seed;
-}
-
 // cimhost serving the CDR module, started and killed by process id.
 class KillableHost {
 public:
