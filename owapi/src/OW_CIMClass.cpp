@@ -15,17 +15,6 @@ namespace OW_NAMESPACE
 
 namespace
 {
-bool trueQualifier(const CIMQualifierArray& quals, const CIMName& name)
-{
-	CIMQualifier q = ElementLists::get(quals, name);
-	if (!q)
-	{
-		return false;
-	}
-	CIMValue v = q.getValue();
-	return v && v.getType() == CIMDataType::BOOLEAN && !v.isArray() && bool(v.toBool());
-}
-
 String qualifiersMOF(const CIMQualifierArray& quals, const char* indent)
 {
 	if (quals.empty())
@@ -43,7 +32,21 @@ String qualifiersMOF(const CIMQualifierArray& quals, const char* indent)
 	}
 	return out + "]\n";
 }
+
 } // end unnamed namespace
+
+bool ElementLists::trueQualifier(const CIMQualifierArray& quals, const char* name)
+{
+	for (size_t i = 0; i < quals.size(); ++i)
+	{
+		if (quals[i].getName().equalsIgnoreCase(name))
+		{
+			CIMValue v = quals[i].getValue();
+			return v && v.getType() == CIMDataType::BOOLEAN && !v.isArray() && bool(v.toBool());
+		}
+	}
+	return false;
+}
 
 // ---- CIMParameter
 
@@ -98,7 +101,7 @@ CIMQualifier CIMParameter::getQualifier(const CIMName& name) const
 
 bool CIMParameter::hasTrueQualifier(const CIMName& name) const
 {
-	return trueQualifier(m_pdata->m_qualifiers, name);
+	return ElementLists::trueQualifier(m_pdata->m_qualifiers, name.toString().c_str());
 }
 
 String CIMParameter::getName() const { return m_pdata->m_name; }
@@ -176,7 +179,7 @@ CIMMethod& CIMMethod::setQualifier(const CIMQualifier& qual)
 
 bool CIMMethod::hasTrueQualifier(const CIMName& name) const
 {
-	return trueQualifier(m_pdata->m_qualifiers, name);
+	return ElementLists::trueQualifier(m_pdata->m_qualifiers, name.toString().c_str());
 }
 
 String CIMMethod::getOriginClass() const { return m_pdata->m_originClass; }
@@ -375,12 +378,12 @@ CIMMethod CIMClass::getMethod(const CIMName& name, const CIMName& originClass) c
 
 bool CIMClass::isAssociation() const
 {
-	return trueQualifier(m_pdata->m_qualifiers, CIMQualifier::CIM_QUAL_ASSOCIATION);
+	return ElementLists::trueQualifier(m_pdata->m_qualifiers, CIMQualifier::CIM_QUAL_ASSOCIATION);
 }
 
 bool CIMClass::isAbstract() const
 {
-	return trueQualifier(m_pdata->m_qualifiers, CIMQualifier::CIM_QUAL_ABSTRACT);
+	return ElementLists::trueQualifier(m_pdata->m_qualifiers, CIMQualifier::CIM_QUAL_ABSTRACT);
 }
 
 bool CIMClass::isKeyed() const { return !getKeys().empty(); }

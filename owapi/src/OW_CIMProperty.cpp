@@ -166,18 +166,9 @@ bool CIMProperty::isReference() const
 
 bool CIMProperty::isKey() const
 {
-	// Asked of every property an instance is given: the qualifiers are
-	// searched without making a CIMName of "Key" each time.
-	const CIMQualifierArray& qualifiers = m_pdata->m_qualifiers;
-	for (size_t i = 0; i < qualifiers.size(); ++i)
-	{
-		if (qualifiers[i].getName().equalsIgnoreCase(CIMQualifier::CIM_QUAL_KEY))
-		{
-			CIMValue v = qualifiers[i].getValue();
-			return (v && v.getType() == CIMDataType::BOOLEAN && !v.isArray() && bool(v.toBool())) || isReference();
-		}
-	}
-	return isReference();
+	// Asked of every property an instance is given: no CIMName of "Key" is
+	// made for it.
+	return ElementLists::trueQualifier(m_pdata->m_qualifiers, CIMQualifier::CIM_QUAL_KEY) || isReference();
 }
 
 CIMProperty CIMProperty::filter(WBEMFlags::ELocalOnlyFlag localOnly,
@@ -262,17 +253,7 @@ CIMProperty CIMProperty::clone(WBEMFlags::EIncludeQualifiersFlag includeQualifie
 
 bool CIMProperty::hasTrueQualifier(const CIMName& name) const
 {
-	CIMQualifier q = getQualifier(name);
-	if (!q)
-	{
-		return false;
-	}
-	CIMValue v = q.getValue();
-	if (!v || v.getType() != CIMDataType::BOOLEAN || v.isArray())
-	{
-		return false;
-	}
-	return bool(v.toBool());
+	return ElementLists::trueQualifier(m_pdata->m_qualifiers, name.toString().c_str());
 }
 
 String CIMProperty::getName() const { return m_pdata->m_name; }

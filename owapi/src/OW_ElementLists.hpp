@@ -5,6 +5,7 @@
 #include "OW_String.hpp"
 #include "OW_Array.hpp"
 #include "OW_CIMName.hpp"
+#include "OW_CIMFwd.hpp"
 
 namespace OW_NAMESPACE
 {
@@ -58,6 +59,10 @@ template <class T> bool remove(Array<T>& list, const CIMName& name)
 	list.remove(i);
 	return true;
 }
+
+/// Whether the first qualifier named name holds a boolean true. The name is
+/// a plain text so that a caller asking often makes no CIMName of it.
+bool trueQualifier(const Array<CIMQualifier>& quals, const char* name);
 
 } // end namespace ElementLists
 
